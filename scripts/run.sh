@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds (Release) into build/, and starts the program with the given arguments.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install-deps.sh
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
+cmake --build build -j"${QB_JOBS:-2}"
+
+# The desktop program when it has been built; until then the command-line front.
+if [ -x build/src/workbench/quillbox-desk ]; then
+  exec build/src/workbench/quillbox-desk "$@"
+fi
+exec build/src/cli/quillbox "$@"
