@@ -1,1 +1,6 @@
 # One line per fuzz target: qb_add_fuzzer(name DEPS libraries...)
+qb_add_fuzzer(fuzz_text_decode DEPS qb_util)
+qb_add_fuzzer(fuzz_text_search DEPS qb_util)
+qb_add_fuzzer(fuzz_profile_file DEPS qb_util)
+qb_add_fuzzer(fuzz_find_pattern DEPS qb_util)
+qb_add_fuzzer(fuzz_time_parse DEPS qb_util)
