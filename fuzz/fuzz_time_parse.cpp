@@ -91,9 +91,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         std::memcpy(&raw, data, sizeof raw);
         formatEverywhere(raw, userPattern);
     }
-    for (double special : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+    for (double edge : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
              -std::numeric_limits<double>::infinity(), 1e300, -0.0, std::numeric_limits<double>::denorm_min(),
              9007199254740993.0})
-        formatEverywhere(special, userPattern);
+        formatEverywhere(edge, userPattern);
     return 0;
 }

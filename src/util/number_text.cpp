@@ -96,7 +96,7 @@ bool isExponentMark(char16_t c)
 }
 
 // Plain notation of a non-negative finite value: the shortest digits that read back the same,
-// or every digit when the value is an integer too large for that (from_chars keeps it exact).
+// or every digit of an integer too large for that (to_chars prints such integers exactly).
 std::string fixedDigits(double magnitude)
 {
     std::array<char, 512> buffer {};

@@ -1,6 +1,8 @@
 // Byte counts as short texts with a unit: "1023B", "1.50KB", "4.66GB".
 #include "util/size_format.h"
 
+#include "util/file_names.h"
+
 #include "util/number_text.h"
 
 #include <QFileInfo>
@@ -50,13 +52,6 @@ QString sizeText(double value, const SizeTable &units, QStringView pattern)
     return {};
 }
 
-// One place that asks for a file's length, so it can later share the project's own helper.
-qint64 fileLength(const QString &fileName)
-{
-    const QFileInfo info(fileName);
-    return info.isFile() ? info.size() : 0;
-}
-
 } // namespace
 
 QString ConvertFileSize(double size, bool IncludeDecimal)
@@ -66,7 +61,7 @@ QString ConvertFileSize(double size, bool IncludeDecimal)
 
 QString CheckFileSize(const QString &fileName, bool IncludeDecimal)
 {
-    return ConvertFileSize(double(fileLength(fileName)), IncludeDecimal);
+    return ConvertFileSize(double(GetFileLen(fileName)), IncludeDecimal);
 }
 
 QString FormatByteSize(double value)

@@ -134,7 +134,7 @@ TimeFields readTime(QString &timeString, const QString &separator)
         f.plainSeconds = true;
         f.plainValue = Val(text);
     } else {
-        // Only the first two pieces of the split count, as with the classic Split()[0] and [1].
+        // Only the first two pieces of the split count; any further pieces are ignored.
         const qsizetype at = separator.isEmpty() ? -1 : text.indexOf(separator);
         readClockFields(at < 0 ? text : text.left(at), {&f.hours, &f.minutes, &f.seconds});
         if (at >= 0) {
@@ -202,8 +202,9 @@ double TimeToMSecs(QString &TimeString, const QString &separator)
 {
     const TimeFields f = readTime(TimeString, separator);
     if (f.plainSeconds) {
-        const double millis = RoundHalfEven(f.plainValue * 1000);
-        return std::isfinite(millis) ? millis + 0.0 : 0;
+        // The milliseconds land in a 32-bit field like every other part: too many give 0.
+        qint32 millis = 0;
+        return RoundToLong(f.plainValue * 1000, millis) ? double(millis) : 0.0;
     }
     qint32 seconds = 0;
     qint32 millis = 0;

@@ -25,7 +25,7 @@ QString FormatMSecs(double msecs, int timeStyle);
 // otherwise the text splits at separator into a clock part ("h:m:s", missing fields 0) and a
 // millisecond field. A field that is no number or does not fit 32 bits counts as 0. The clock
 // total is computed in checked 32-bit arithmetic: an overflow gives 0. A plain number of seconds
-// is rounded half to even to whole milliseconds without that limit.
+// is rounded half to even to whole milliseconds, which must fit 32 bits as well.
 double TimeToMSecs(QString &TimeString, const QString &separator);
 
 // Reads a clock text as seconds with the same shapes and blank replacement as TimeToMSecs.

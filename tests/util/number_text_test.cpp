@@ -25,7 +25,7 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 std::string show(const char16_t *text)
 {
-    return QString::fromUtf16(text).toStdString();
+    return utf8(QString::fromUtf16(text));
 }
 
 struct ValCase

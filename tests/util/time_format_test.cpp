@@ -137,11 +137,12 @@ INSTANTIATE_TEST_SUITE_P(TimeToMSecsRules, TimeToMSecsTable,
         ParseCase {u"00:01:05:50", u",", 65500},
         // 7: hours, minutes, seconds.
         ParseCase {u"01:02:03", u",", 3723000},
-        // 8: a plain number of seconds, rounded half to even to milliseconds, without the 32-bit limit.
+        // 8: a plain number of seconds, rounded half to even to milliseconds in a 32-bit field.
         ParseCase {u"90", u",", 90000}, ParseCase {u"1.5", u",", 1500}, ParseCase {u"-1.5", u",", -1500},
         ParseCase {u"0.0625", u",", 62}, ParseCase {u"0.1875", u",", 188}, ParseCase {u"1e3", u",", 1000000},
-        ParseCase {u"\t90", u",", 90000}, ParseCase {u"1e400", u",", 0}, ParseCase {u"1e300", u",", 1e303},
-        ParseCase {u"5000000", u",", 5e9}, ParseCase {u"1e306", u",", 0},
+        ParseCase {u"\t90", u",", 90000}, ParseCase {u"1e400", u",", 0}, ParseCase {u"1e300", u",", 0},
+        ParseCase {u"2147483", u",", 2147483000}, ParseCase {u"2147484", u",", 0},
+        ParseCase {u"5000000", u",", 0}, ParseCase {u"1e306", u",", 0},
         // 9: split at the separator; missing clock fields are 0; only two pieces count.
         ParseCase {u"1:30", u",", 5400000}, ParseCase {u"1:2:3,4", u",", 3723004},
         ParseCase {u"1:2:3.45", u".", 3723045}, ParseCase {u"1:2:3,4,5", u",", 3723004},
