@@ -5,10 +5,10 @@ cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
-cmake --build build -j"${QB_JOBS:-2}"
+cmake --build build -j"${QB_JOBS:-2}" >&2
 
 # The desktop program when it has been built; until then the command-line front.
-if [ -x build/src/workbench/quillbox-desk ]; then
-  exec build/src/workbench/quillbox-desk "$@"
+if [ -x build/bin/quillbox-desk ]; then
+  exec build/bin/quillbox-desk "$@"
 fi
-exec build/src/cli/quillbox "$@"
+exec build/bin/quillbox "$@"

@@ -1,0 +1,401 @@
+// The cabinet writer: lays out folders and files, streams data blocks, then writes the tables.
+#include "cabmaker/cabinet_writer.h"
+
+#include "cabmaker/folder_encoder.h"
+#include "cabmaker/source_stamp.h"
+#include "util/cab_format.h"
+#include "util/file_names.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace qb::cabmaker {
+
+struct CabinetWriter::LaidFile
+{
+    const PlannedFile *planned = nullptr;
+    QByteArray name; // as stored: UTF-8, "\"-separated
+    qint64 size = 0;
+    SourceStamp stamp;
+    int folder = 0;
+    qint64 offsetInFolder = 0;
+};
+
+struct CabinetWriter::LaidFolder
+{
+    FolderSettings settings;
+    std::vector<int> files;
+    qint64 bytes = 0;
+    quint32 dataStart = 0;
+    quint16 blocks = 0;
+    quint16 type = 0;
+};
+
+namespace {
+
+constexpr size_t kBatchBlocks = 64; // 2 MiB of folder data per round of compression
+constexpr qint64 kProgressStep = 1 << 20;
+
+QString errnoText()
+{
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+// Buffered output to a file descriptor, with positioned writes for the tables at the start.
+class Output
+{
+public:
+    explicit Output(int fd)
+        : m_fd(fd)
+    {
+        m_buffer.reserve(kBufferSize);
+    }
+    bool append(const void *data, size_t size)
+    {
+        if (m_buffer.size() + size > kBufferSize && !flush())
+            return false;
+        if (size >= kBufferSize)
+            return writeAll(data, size);
+        const auto *p = static_cast<const unsigned char *>(data);
+        m_buffer.insert(m_buffer.end(), p, p + size);
+        return true;
+    }
+    bool flush()
+    {
+        const bool ok = writeAll(m_buffer.data(), m_buffer.size());
+        m_buffer.clear();
+        return ok;
+    }
+    bool writeAt(qint64 offset, const std::vector<unsigned char> &bytes)
+    {
+        size_t done = 0;
+        while (done < bytes.size()) {
+            const ssize_t n
+                = ::pwrite(m_fd, bytes.data() + done, bytes.size() - done, off_t(offset + qint64(done)));
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                return false;
+            done += size_t(n);
+        }
+        return true;
+    }
+
+private:
+    static constexpr size_t kBufferSize = 1 << 20;
+    bool writeAll(const void *data, size_t size)
+    {
+        const auto *p = static_cast<const unsigned char *>(data);
+        while (size > 0) {
+            const ssize_t n = ::write(m_fd, p, size);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                return false;
+            p += n;
+            size -= size_t(n);
+        }
+        return true;
+    }
+    int m_fd;
+    std::vector<unsigned char> m_buffer;
+};
+
+// Closes and, unless kept, removes the temporary cabinet on every way out.
+struct TempCabinet
+{
+    QString path;
+    int fd = -1;
+    bool keep = false;
+    ~TempCabinet()
+    {
+        if (fd >= 0)
+            ::close(fd);
+        if (!keep && !path.isEmpty())
+            ::unlink(QFile::encodeName(path).constData());
+    }
+};
+
+mode_t creationMode()
+{
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
+} // namespace
+
+CabinetWriter::CabinetWriter(BuildPlan plan)
+    : m_plan(std::move(plan))
+    , m_setId(quint16(QRandomGenerator::global()->bounded(0x10000u)))
+{ }
+
+bool CabinetWriter::fail(const QString &message)
+{
+    m_error = message;
+    return false;
+}
+
+bool CabinetWriter::layOut(std::vector<LaidFile> &files, std::vector<LaidFolder> &folders)
+{
+    for (const PlannedFolder &planned : m_plan.folders) {
+        bool startNew = true;
+        for (const PlannedFile &file : planned.files) {
+            LaidFile laid;
+            laid.planned = &file;
+            QString problem;
+            if (!ReadSourceStamp(file, laid.stamp, laid.size, problem))
+                return fail(problem);
+            if (laid.size >= cab::kMaxFileBytes)
+                return fail(
+                    QStringLiteral("'%1' is 2 GiB or larger; a cabinet cannot hold it").arg(file.sourcePath));
+            laid.name = file.nameInCabinet.toUtf8();
+            if (laid.name.isEmpty() || laid.name.size() > qsizetype(cab::kMaxNameBytes)
+                || laid.name.contains('\0'))
+                return fail(QStringLiteral("'%1' is not a name a cabinet can hold").arg(file.nameInCabinet));
+            for (const char c : std::as_const(laid.name)) {
+                if (uchar(c) >= 0x80) {
+                    laid.stamp.attributes |= cab::kAttrNameIsUtf8;
+                    break;
+                }
+            }
+
+            if (!startNew) {
+                const LaidFolder &current = folders.back();
+                startNew = current.bytes + laid.size > cab::kMaxFolderBytes
+                    || (m_plan.folderSizeThreshold > 0
+                        && current.bytes + laid.size > m_plan.folderSizeThreshold)
+                    || (m_plan.folderFileCountThreshold > 0
+                        && qsizetype(current.files.size()) >= m_plan.folderFileCountThreshold);
+            }
+            if (startNew) {
+                if (folders.size() >= size_t(cab::kMaxFolders))
+                    return fail(QStringLiteral("more than %1 folders in one cabinet").arg(cab::kMaxFolders));
+                LaidFolder folder;
+                folder.settings = planned.settings;
+                folders.push_back(folder);
+                startNew = false;
+            }
+            LaidFolder &folder = folders.back();
+            laid.folder = int(folders.size() - 1);
+            laid.offsetInFolder = folder.bytes;
+            folder.bytes += laid.size;
+            folder.files.push_back(int(files.size()));
+            files.push_back(laid);
+        }
+    }
+    if (files.empty())
+        return fail(QStringLiteral("no files to put in the cabinet"));
+    if (files.size() > size_t(cab::kMaxFiles))
+        return fail(QStringLiteral("%1 files are more than the %2 one cabinet can hold")
+                        .arg(files.size())
+                        .arg(cab::kMaxFiles));
+    return true;
+}
+
+bool CabinetWriter::write()
+{
+    m_stats = {};
+    m_error.clear();
+    std::vector<LaidFile> files;
+    std::vector<LaidFolder> folders;
+    if (!layOut(files, folders))
+        return false;
+
+    // Encoders first, so that a method we can't write fails before anything touches the disk.
+    std::vector<std::unique_ptr<FolderEncoder>> encoders;
+    for (LaidFolder &folder : folders) {
+        QString problem;
+        encoders.push_back(MakeFolderEncoder(folder.settings, problem));
+        if (!encoders.back())
+            return fail(problem);
+        folder.type = encoders.back()->compressionType();
+    }
+
+    const QFileInfo target(m_plan.cabinetPath);
+    const QString targetFolder = target.absolutePath();
+    // The disk folder is ours to make, as makers of disk sets always have; any other folder
+    // named in the cabinet's path has to be there already.
+    if (!m_plan.diskFolder.isEmpty() && QDir::cleanPath(m_plan.diskFolder) == QDir::cleanPath(targetFolder)
+        && !QFileInfo::exists(targetFolder) && !QDir().mkpath(targetFolder))
+        return fail(QStringLiteral("cannot make the folder '%1'").arg(targetFolder));
+    if (!QFileInfo(targetFolder).isDir())
+        return fail(QStringLiteral("the folder '%1' does not exist").arg(targetFolder));
+    if (target.isDir())
+        return fail(QStringLiteral("'%1' is a folder").arg(m_plan.cabinetPath));
+
+    TempCabinet temp;
+    temp.path = util::CreateUniqueTempFile(targetFolder, QStringLiteral("cab"));
+    if (temp.path.isEmpty())
+        return fail(QStringLiteral("cannot write in '%1': %2").arg(targetFolder, errnoText()));
+    temp.fd = ::open(QFile::encodeName(temp.path).constData(), O_WRONLY | O_CLOEXEC);
+    if (temp.fd < 0)
+        return fail(QStringLiteral("cannot write in '%1': %2").arg(targetFolder, errnoText()));
+    Output out(temp.fd);
+
+    qint64 tablesSize = qint64(cab::kHeaderSize + cab::kFolderEntrySize * folders.size());
+    const qint64 filesOffset = tablesSize;
+    for (const LaidFile &file : files)
+        tablesSize += qint64(cab::kFileEntryFixedSize) + file.name.size() + 1;
+    if (::lseek(temp.fd, off_t(tablesSize), SEEK_SET) < 0)
+        return fail(QStringLiteral("cannot write '%1': %2").arg(temp.path, errnoText()));
+
+    qint64 position = tablesSize;
+    qint64 totalBytes = 0;
+    for (const LaidFile &file : files)
+        totalBytes += file.size;
+    const qint64 sizeLimit = m_plan.maxCabinetSize > 0
+        ? std::min(m_plan.maxCabinetSize, cab::kMaxCabinetBytes)
+        : cab::kMaxCabinetBytes;
+    auto tooLarge = [&] {
+        if (m_plan.maxCabinetSize > 0 && position > m_plan.maxCabinetSize)
+            return fail(
+                QStringLiteral("the cabinet would be larger than %1 bytes (MaxCabinetSize/MaxDiskSize); "
+                               "spanning several cabinets is not supported")
+                    .arg(m_plan.maxCabinetSize));
+        return fail(
+            QStringLiteral("the cabinet would be larger than 4 GiB, the most the format can address"));
+    };
+
+    std::vector<unsigned char> batch(kBatchBlocks * size_t(cab::kBlockSize));
+    std::vector<EncodedBlock> blocks;
+    std::vector<unsigned char> readBuffer;
+    qint64 bytesDone = 0;
+    int fileNumber = 0;
+
+    auto writeBlocks = [&](LaidFolder &folder) -> bool {
+        for (const EncodedBlock &block : blocks) {
+            unsigned char head[cab::kDataHeaderSize];
+            const auto payloadSize = quint16(block.payload.size());
+            cab::put32(
+                head, cab::DataBlockChecksum(block.payload.constData(), payloadSize, block.uncompressedSize));
+            cab::put16(head + 4, payloadSize);
+            cab::put16(head + 6, block.uncompressedSize);
+            if (!out.append(head, sizeof head) || !out.append(block.payload.constData(), size_t(payloadSize)))
+                return fail(QStringLiteral("cannot write '%1': %2").arg(temp.path, errnoText()));
+            position += qint64(sizeof head) + payloadSize;
+            if (position > sizeLimit)
+                return tooLarge();
+            ++folder.blocks;
+            ++m_stats.dataBlocks;
+        }
+        blocks.clear();
+        return true;
+    };
+
+    for (size_t f = 0; f < folders.size(); ++f) {
+        LaidFolder &folder = folders[f];
+        FolderEncoder &encoder = *encoders[f];
+        folder.dataStart = quint32(position);
+        size_t filled = 0;
+        for (const int index : folder.files) {
+            const LaidFile &file = files[size_t(index)];
+            ++fileNumber;
+            const int fd
+                = ::open(QFile::encodeName(file.planned->sourcePath).constData(), O_RDONLY | O_CLOEXEC);
+            if (fd < 0)
+                return fail(
+                    QStringLiteral("cannot read '%1': %2").arg(file.planned->sourcePath, errnoText()));
+            qint64 left = file.size;
+            qint64 sinceReport = 0;
+            while (left > 0) {
+                const size_t room = batch.size() - filled;
+                const size_t want = size_t(std::min<qint64>(left, qint64(room)));
+                const ssize_t n = ::read(fd, batch.data() + filled, want);
+                if (n < 0 && errno == EINTR)
+                    continue;
+                if (n <= 0) {
+                    const QString why
+                        = n < 0 ? errnoText() : QStringLiteral("it became shorter while it was read");
+                    ::close(fd);
+                    return fail(QStringLiteral("cannot read '%1': %2").arg(file.planned->sourcePath, why));
+                }
+                filled += size_t(n);
+                left -= n;
+                bytesDone += n;
+                sinceReport += n;
+                if (filled == batch.size()) {
+                    encoder.encode(batch.data(), filled, false, blocks);
+                    filled = 0;
+                    if (!writeBlocks(folder)) {
+                        ::close(fd);
+                        return false;
+                    }
+                }
+                if (m_progress && sinceReport >= kProgressStep && left > 0) {
+                    sinceReport = 0;
+                    m_progress({fileNumber, int(files.size()), file.planned->nameInCabinet, bytesDone,
+                        totalBytes, false});
+                }
+            }
+            ::close(fd);
+            if (m_progress)
+                m_progress({fileNumber, int(files.size()), file.planned->nameInCabinet, bytesDone, totalBytes,
+                    true});
+        }
+        encoder.encode(batch.data(), filled, true, blocks);
+        if (!writeBlocks(folder))
+            return false;
+    }
+    if (!out.flush())
+        return fail(QStringLiteral("cannot write '%1': %2").arg(temp.path, errnoText()));
+
+    // The tables, now that every folder knows where its data starts.
+    std::vector<unsigned char> tables(size_t(tablesSize), 0);
+    unsigned char *p = tables.data();
+    std::memcpy(p, cab::kSignature, 4);
+    cab::put32(p + 8, quint32(position));
+    cab::put32(p + 16, quint32(filesOffset));
+    p[24] = cab::kVersionMinor;
+    p[25] = cab::kVersionMajor;
+    cab::put16(p + 26, quint16(folders.size()));
+    cab::put16(p + 28, quint16(files.size()));
+    cab::put16(p + 30, 0);
+    cab::put16(p + 32, m_setId);
+    cab::put16(p + 34, 0);
+    p += cab::kHeaderSize;
+    for (const LaidFolder &folder : folders) {
+        cab::put32(p, folder.dataStart);
+        cab::put16(p + 4, folder.blocks);
+        cab::put16(p + 6, folder.type);
+        p += cab::kFolderEntrySize;
+    }
+    for (const LaidFile &file : files) {
+        cab::put32(p, quint32(file.size));
+        cab::put32(p + 4, quint32(file.offsetInFolder));
+        cab::put16(p + 8, quint16(file.folder));
+        cab::put16(p + 10, file.stamp.date);
+        cab::put16(p + 12, file.stamp.time);
+        cab::put16(p + 14, file.stamp.attributes);
+        std::memcpy(p + cab::kFileEntryFixedSize, file.name.constData(), size_t(file.name.size()));
+        p += cab::kFileEntryFixedSize + size_t(file.name.size()) + 1;
+    }
+    if (!out.writeAt(0, tables) || ::fchmod(temp.fd, creationMode()) != 0 || ::close(temp.fd) != 0) {
+        temp.fd = -1;
+        return fail(QStringLiteral("cannot write '%1': %2").arg(temp.path, errnoText()));
+    }
+    temp.fd = -1;
+    if (::rename(QFile::encodeName(temp.path).constData(),
+            QFile::encodeName(target.absoluteFilePath()).constData())
+        != 0)
+        return fail(QStringLiteral("cannot create '%1': %2").arg(m_plan.cabinetPath, errnoText()));
+    temp.keep = true;
+
+    m_stats.bytesIn = totalBytes;
+    m_stats.bytesOut = position;
+    m_stats.folders = int(folders.size());
+    for (const LaidFile &file : files)
+        m_stats.files.append({file.planned->nameInCabinet, file.planned->sourcePath, file.size, file.folder,
+            file.stamp.date, file.stamp.time, file.stamp.attributes});
+    return true;
+}
+
+} // namespace qb::cabmaker

@@ -1,0 +1,258 @@
+// The makecab command line: one-file cabinets, options, progress lines, errors that leave nothing behind.
+#include "cabmaker/makecab_command.h"
+
+#include "support/temp_tree.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QRegularExpression>
+#include <gtest/gtest.h>
+
+using qb::cabmaker::CompressedFileName;
+using qb::cabmaker::RunMakeCab;
+using qb::test::TempTree;
+
+namespace {
+
+struct Result
+{
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+Result makecab(const QStringList &args, const QString &folder)
+{
+    QString out;
+    QString err;
+    QTextStream o(&out);
+    QTextStream e(&err);
+    const int status = RunMakeCab(args, o, e, folder);
+    o.flush();
+    e.flush();
+    return {status, out, err};
+}
+
+// What cabextract finds in a cabinet: "name" lines of its listing.
+QStringList cabextractNames(const QString &cabinet)
+{
+    QProcess p;
+    p.start(QStringLiteral("cabextract"), {QStringLiteral("-l"), cabinet});
+    p.waitForFinished(60000);
+    QStringList names;
+    const QStringList lines = QString::fromUtf8(p.readAllStandardOutput()).split(u'\n');
+    for (const QString &line : lines) {
+        const qsizetype bar = line.lastIndexOf(QStringLiteral(" | "));
+        const QString name = bar > 0 ? line.mid(bar + 3).trimmed() : QString();
+        if (!name.isEmpty() && name != u"Name")
+            names << name;
+    }
+    return names;
+}
+
+QByteArray extractOne(TempTree &tree, const QString &cabinet, const QString &name)
+{
+    const QString into = tree.makeDir(QStringLiteral("extract"));
+    QProcess p;
+    p.start(QStringLiteral("cabextract"), {QStringLiteral("-q"), QStringLiteral("-d"), into, cabinet});
+    p.waitForFinished(60000);
+    EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+    return qb::test::readAll(into + u'/' + name);
+}
+
+QStringList folderNames(const QString &folder)
+{
+    QStringList names = QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
+    names.sort();
+    return names;
+}
+
+TEST(MakeCabCommand, CompressedFileNameRule)
+{
+    EXPECT_EQ(CompressedFileName(QStringLiteral("setup.inf")), QStringLiteral("setup.in_"));
+    EXPECT_EQ(CompressedFileName(QStringLiteral("a.b.c")), QStringLiteral("a.b._"));
+    EXPECT_EQ(CompressedFileName(QStringLiteral("README")), QStringLiteral("README._"));
+    EXPECT_EQ(CompressedFileName(QStringLiteral("x.")), QStringLiteral("x._"));
+    EXPECT_EQ(CompressedFileName(QStringLiteral(".bashrc")), QStringLiteral(".bashrc._"));
+    EXPECT_EQ(CompressedFileName(QStringLiteral("dir.d/file")), QStringLiteral("dir.d/file._"));
+}
+
+TEST(MakeCabCommand, OneFileCabinetBesideTheSource)
+{
+    TempTree tree;
+    tree.writeFile(QStringLiteral("setup.inf"), "[Version]\r\nSignature=\"$Windows NT$\"\r\n");
+    const Result r = makecab({QStringLiteral("setup.inf")}, tree.root());
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(
+        cabextractNames(tree.path(QStringLiteral("setup.in_"))), QStringList {QStringLiteral("setup.inf")});
+    EXPECT_EQ(extractOne(tree, tree.path(QStringLiteral("setup.in_")), QStringLiteral("setup.inf")),
+        qb::test::readAll(tree.path(QStringLiteral("setup.inf"))));
+    // A one-file cabinet leaves no report or information file.
+    EXPECT_EQ(folderNames(tree.root()),
+        (QStringList {QStringLiteral("extract"), QStringLiteral("setup.in_"), QStringLiteral("setup.inf")}));
+}
+
+TEST(MakeCabCommand, OptionsInAnyCaseAndEitherPrefix)
+{
+    TempTree tree;
+    tree.writeFile(QStringLiteral("50% off.txt"), QByteArray(5000, 'z'));
+    tree.makeDir(QStringLiteral("out"));
+    const Result r = makecab({QStringLiteral("-d"), QStringLiteral("CompressionType=NONE"),
+                                 QStringLiteral("/l"), QStringLiteral("out"), QStringLiteral("/v0"),
+                                 QStringLiteral("50% off.txt"), QStringLiteral("stored.cab")},
+        tree.root());
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.out.isEmpty()) << "/V0 prints nothing: " << r.out.toStdString();
+    const QString cabinet = tree.path(QStringLiteral("out/stored.cab"));
+    // Stored data: the cabinet is larger than the file.
+    EXPECT_GT(QFileInfo(cabinet).size(), 5000);
+    EXPECT_EQ(extractOne(tree, cabinet, QStringLiteral("50% off.txt")), QByteArray(5000, 'z'));
+}
+
+TEST(MakeCabCommand, ProgressLinesAndSummary)
+{
+    TempTree tree;
+    QString ddf = QStringLiteral(".Set CabinetNameTemplate=out.cab\n");
+    for (int i = 0; i < 3; ++i)
+        ddf += QStringLiteral("\"%1\" \"docs\\f%2.txt\"\n")
+                   .arg(tree.writeFile(QStringLiteral("f%1").arg(i), QByteArray(1000 * (i + 1), 'a')))
+                   .arg(i);
+    ddf.prepend(QStringLiteral(".Set DiskDirectoryTemplate=\n"));
+    tree.writeFile(QStringLiteral("p.ddf"), ddf.toUtf8());
+    const Result r = makecab({QStringLiteral("/f"), QStringLiteral("p.ddf")}, tree.root());
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    const QRegularExpression progress(QStringLiteral("^ ?\\d{1,3}\\.\\d{2}% - (.*) \\((\\d+) of (\\d+)\\)$"));
+    QStringList seen;
+    for (const QString &line : r.out.split(u'\n')) {
+        const auto m = progress.match(line);
+        if (m.hasMatch())
+            seen << m.captured(1) + u'/' + m.captured(2) + u'/' + m.captured(3);
+    }
+    EXPECT_EQ(seen,
+        (QStringList {QStringLiteral("docs\\f0.txt/1/3"), QStringLiteral("docs\\f1.txt/2/3"),
+            QStringLiteral("docs\\f2.txt/3/3")}));
+    EXPECT_TRUE(r.out.contains(QStringLiteral(" 16.67% - docs\\f0.txt (1 of 3)\n")));
+    EXPECT_TRUE(r.out.contains(QStringLiteral("100.00% - docs\\f2.txt (3 of 3)\n")));
+    EXPECT_TRUE(r.out.contains(QStringLiteral("Bytes before:   6000")));
+    // Report and information files land in the current folder by default.
+    EXPECT_TRUE(QFileInfo::exists(tree.path(QStringLiteral("setup.rpt"))));
+    const QString inf = QString::fromUtf8(qb::test::readAll(tree.path(QStringLiteral("setup.inf"))));
+    EXPECT_TRUE(inf.contains(QStringLiteral("1,docs\\f1.txt,2000,"))) << inf.toStdString();
+}
+
+TEST(MakeCabCommand, TheWorkbenchDirectiveForm)
+{
+    TempTree tree;
+    const QString notice
+        = tree.writeFile(QStringLiteral("QuiA1B2.tmp"), "\r\n本压缩包使用 Quillbox Desk 制作\r\n\r\n");
+    const QString doc = tree.writeFile(QStringLiteral("data/read me.txt"), "hello");
+    tree.makeDir(QStringLiteral("out"));
+    const QString cabinet = tree.path(QStringLiteral("out/新建压缩包.cab"));
+    const QStringList lines {QStringLiteral(".Option EXPLICIT"),
+        QStringLiteral(".Set CabinetNameTemplate=\"%1\"").arg(cabinet),
+        QStringLiteral(".Set DiskDirectoryTemplate=CDROM"), QStringLiteral(".Set CompressionType=MSZIP"),
+        QStringLiteral(".Set MaxCabinetSize=0"), QStringLiteral(".Set MaxDiskSize=0"),
+        QStringLiteral(".Set UniqueFiles=OFF"), QStringLiteral(".Set FolderFileCountThreshold=0"),
+        QStringLiteral(".Set Cabinet=on"), QStringLiteral(".Set DiskDirectory1="),
+        QStringLiteral("\"%1\" \"Quillbox Desk.txt\"").arg(notice),
+        QStringLiteral("\"%1\" \"data\\read me.txt\"").arg(doc)};
+    QString text;
+    for (const QString &line : lines)
+        text += line + QStringLiteral("\r\n\r\n");
+    tree.writeFile(QStringLiteral("app/directive.tmp"), text.toUtf8());
+    const Result r = makecab({QStringLiteral("/f"), tree.path(QStringLiteral("app/directive.tmp"))},
+        tree.path(QStringLiteral("app")));
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(cabextractNames(cabinet),
+        (QStringList {QStringLiteral("Quillbox Desk.txt"), QStringLiteral("data/read me.txt")}));
+    EXPECT_EQ(extractOne(tree, cabinet, QStringLiteral("data/read me.txt")), QByteArray("hello"));
+}
+
+struct FailureCase
+{
+    const char *name;
+    QByteArray directive; // "%D" stands for the scratch folder
+    const char *message; // a part of the one line on standard error
+};
+
+class MakeCabFailure : public ::testing::TestWithParam<FailureCase>
+{
+};
+
+TEST_P(MakeCabFailure, ClearErrorAndNothingLeftBehind)
+{
+    TempTree tree;
+    tree.writeFile(QStringLiteral("in/real.txt"), "data");
+    tree.makeDir(QStringLiteral("in/folder"));
+    tree.makeDir(QStringLiteral("out"));
+    // An older cabinet under the target name must survive a failed run untouched.
+    tree.writeFile(QStringLiteral("out/target.cab"), "old cabinet");
+    QByteArray directive = GetParam().directive;
+    directive.replace("%D", tree.root().toUtf8());
+    tree.writeFile(QStringLiteral("run.ddf"), directive);
+    const Result r = makecab({QStringLiteral("/F"), QStringLiteral("run.ddf")}, tree.root());
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.err.contains(QString::fromUtf8(GetParam().message))) << r.err.toStdString();
+    EXPECT_TRUE(r.err.startsWith(QStringLiteral("makecab: error: "))) << r.err.toStdString();
+    EXPECT_EQ(folderNames(tree.path(QStringLiteral("out"))), QStringList {QStringLiteral("target.cab")});
+    EXPECT_EQ(qb::test::readAll(tree.path(QStringLiteral("out/target.cab"))), QByteArray("old cabinet"));
+    EXPECT_FALSE(QFileInfo::exists(tree.path(QStringLiteral("setup.rpt"))));
+}
+
+const QByteArray kHead = ".Set CabinetNameTemplate=\"%D/out/target.cab\"\r\n.Set DiskDirectory1=\r\n";
+
+INSTANTIATE_TEST_SUITE_P(Cases, MakeCabFailure,
+    ::testing::Values(
+        FailureCase {"MissingSource", kHead + "\"%D/in/missing.txt\"\r\n", "run.ddf(3): cannot find"},
+        FailureCase {"FolderAsFile", kHead + "\"%D/in/folder\"\r\n", "run.ddf(3): "},
+        FailureCase {"OpenQuote", kHead + "\"%D/in/real.txt\r\n", "run.ddf(3): a quote is left open"},
+        FailureCase {"EmptyFile", "", "the directive file is empty"},
+        FailureCase {"UnknownDirective", kHead + ".Frobnicate\r\n\"%D/in/real.txt\"\r\n",
+            "run.ddf(3): unknown directive"},
+        FailureCase {"ExplicitUnknown",
+            ".Option EXPLICIT\r\n.Set Bogus=1\r\n" + kHead + "\"%D/in/real.txt\"\r\n",
+            "run.ddf(2): unknown variable 'Bogus'"},
+        FailureCase {"UniqueNames", kHead + "\"%D/in/real.txt\" a.txt\r\n\"%D/in/real.txt\" A.TXT\r\n",
+            "run.ddf(4): "},
+        FailureCase {"NoTargetFolder",
+            ".Set CabinetNameTemplate=\"%D/nowhere/target.cab\"\r\n.Set "
+            "DiskDirectory1=\r\n\"%D/in/real.txt\"\r\n",
+            "does not exist"},
+        FailureCase {"Lzx", kHead + ".Set CompressionType=LZX\r\n\"%D/in/real.txt\"\r\n",
+            "LZX compression is not available"}),
+    [](const auto &info) { return std::string(info.param.name); });
+
+TEST(MakeCabCommand, BadCommandLines)
+{
+    TempTree tree;
+    const QList<QStringList> cases {
+        {},
+        {QStringLiteral("/X")},
+        {QStringLiteral("/F")},
+        {QStringLiteral("/D"), QStringLiteral("novalue")},
+        {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")},
+        {QStringLiteral("/F"), QStringLiteral("x.ddf"), QStringLiteral("source.txt")},
+    };
+    for (const QStringList &args : cases) {
+        const Result r = makecab(args, tree.root());
+        EXPECT_EQ(r.status, 2) << args.join(u' ').toStdString();
+        EXPECT_TRUE(r.err.startsWith(QStringLiteral("makecab: error: "))) << r.err.toStdString();
+    }
+    EXPECT_EQ(makecab({QStringLiteral("/?")}, tree.root()).status, 0);
+    EXPECT_EQ(folderNames(tree.root()), QStringList());
+}
+
+TEST(MakeCabCommand, UnwritableReportIsOnlyAWarning)
+{
+    TempTree tree;
+    tree.makeDir(QStringLiteral("setup.rpt")); // a folder where the report would go
+    const QString source = tree.writeFile(QStringLiteral("a.txt"), "a");
+    tree.writeFile(QStringLiteral("r.ddf"), QStringLiteral("\"%1\"\n").arg(source).toUtf8());
+    const Result r = makecab({QStringLiteral("/F"), QStringLiteral("r.ddf")}, tree.root());
+    EXPECT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains(QStringLiteral("makecab: warning: cannot write"))) << r.err.toStdString();
+    // Without a disk folder named, the default "DISK1" is made.
+    EXPECT_TRUE(QFileInfo::exists(tree.path(QStringLiteral("DISK1/1.cab"))));
+}
+
+} // namespace

@@ -1,0 +1,110 @@
+// MSZIP blocks: each inflates back to its bytes, with the previous block as history.
+#include "cabmaker/mszip_encoder.h"
+
+#include "util/cab_format.h"
+
+#include <QRandomGenerator>
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+using namespace qb::cabmaker;
+
+namespace {
+
+// Inflates one block's deflate stream (after "CK") with the given history.
+QByteArray inflateBlock(const QByteArray &block, const QByteArray &history, size_t expected)
+{
+    z_stream stream {};
+    EXPECT_EQ(inflateInit2(&stream, -15), Z_OK);
+    if (!history.isEmpty()) {
+        EXPECT_EQ(inflateSetDictionary(
+                      &stream, reinterpret_cast<const Bytef *>(history.constData()), uInt(history.size())),
+            Z_OK);
+    }
+    QByteArray out(qsizetype(expected) + 16, '\0');
+    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(block.constData() + 2));
+    stream.avail_in = uInt(block.size() - 2);
+    stream.next_out = reinterpret_cast<Bytef *>(out.data());
+    stream.avail_out = uInt(out.size());
+    const int status = inflate(&stream, Z_FINISH);
+    EXPECT_EQ(status, Z_STREAM_END);
+    EXPECT_EQ(stream.avail_in, 0u) << "bytes left behind the stream";
+    out.resize(qsizetype(out.size() - stream.avail_out));
+    inflateEnd(&stream);
+    return out;
+}
+
+QByteArray randomBytes(qsizetype size, quint32 seed)
+{
+    QRandomGenerator random(seed);
+    QByteArray bytes(size, '\0');
+    for (char &c : bytes)
+        c = char(random.bounded(256));
+    return bytes;
+}
+
+TEST(MsZip, BlocksInflateWithTheirHistory)
+{
+    QByteArray data;
+    for (int i = 0; data.size() < 5 * 32768 + 1000; ++i)
+        data += QByteArray("line ") + QByteArray::number(i % 977) + " of some repeating text\n";
+    data.truncate(5 * 32768 + 1000);
+    MsZipEncoder encoder;
+    std::vector<EncodedBlock> blocks;
+    // Two calls, so that the history carries across them too.
+    encoder.encode(reinterpret_cast<const unsigned char *>(data.constData()), 2 * 32768, false, blocks);
+    encoder.encode(reinterpret_cast<const unsigned char *>(data.constData()) + 2 * 32768,
+        size_t(data.size() - 2 * 32768), true, blocks);
+    ASSERT_EQ(blocks.size(), 6u);
+    QByteArray history;
+    QByteArray joined;
+    for (const EncodedBlock &block : blocks) {
+        ASSERT_TRUE(block.payload.startsWith("CK"));
+        EXPECT_LE(size_t(block.payload.size()), qb::cab::kMaxMsZipBlock);
+        const QByteArray plain = inflateBlock(block.payload, history, block.uncompressedSize);
+        EXPECT_EQ(plain.size(), block.uncompressedSize);
+        joined += plain;
+        history = plain;
+    }
+    EXPECT_EQ(joined, data);
+    EXPECT_EQ(blocks.back().uncompressedSize, 1000);
+}
+
+TEST(MsZip, HistoryMakesRepeatsCheaper)
+{
+    // The block repeats the history's second half twice: within deflate's reach only with history.
+    const QByteArray history = randomBytes(32768, 7);
+    const QByteArray block = history.mid(16384) + history.mid(16384);
+    const auto *p = reinterpret_cast<const unsigned char *>(block.constData());
+    const auto *h = reinterpret_cast<const unsigned char *>(history.constData());
+    const QByteArray alone = CompressMsZipBlock(p, 32768, nullptr, 0, 6);
+    const QByteArray withHistory = CompressMsZipBlock(p, 32768, h, 32768, 6);
+    EXPECT_GT(alone.size(), 16384);
+    EXPECT_LT(withHistory.size(), alone.size() / 10);
+    EXPECT_EQ(inflateBlock(withHistory, history, 32768), block);
+}
+
+TEST(MsZip, IncompressibleDataStaysWithinTheLimit)
+{
+    for (quint32 seed = 1; seed <= 4; ++seed) {
+        const QByteArray block = randomBytes(32768, seed);
+        const QByteArray encoded = CompressMsZipBlock(
+            reinterpret_cast<const unsigned char *>(block.constData()), 32768, nullptr, 0, 9);
+        EXPECT_LE(size_t(encoded.size()), qb::cab::kMaxMsZipBlock);
+        EXPECT_EQ(inflateBlock(encoded, {}, 32768), block);
+    }
+}
+
+TEST(MsZip, EmptyAndTinyBlocks)
+{
+    MsZipEncoder encoder;
+    std::vector<EncodedBlock> blocks;
+    encoder.encode(nullptr, 0, true, blocks);
+    EXPECT_TRUE(blocks.empty());
+    const unsigned char one = 'x';
+    encoder.encode(&one, 1, true, blocks);
+    ASSERT_EQ(blocks.size(), 1u);
+    EXPECT_EQ(inflateBlock(blocks[0].payload, {}, 1), QByteArray("x"));
+}
+
+} // namespace
