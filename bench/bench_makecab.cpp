@@ -1,5 +1,6 @@
 // Packs a generated ~200 MiB mixed corpus (text, x86 code, incompressible data, many small
 // files) with makecab and with gcab, NONE and MSZIP, in one run, and prints size and MB/s.
+// QB_BENCH_TYPES=MSZIP (or NONE) limits the run to one type.
 #include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
@@ -8,6 +9,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -130,34 +132,47 @@ int main(int argc, char **argv)
     std::printf("%lld files\n", qlonglong(relative.size()));
 
     const QString cabinet = scratch.path() + QStringLiteral("/out.cab");
-    for (const QString &type : {QStringLiteral("NONE"), QStringLiteral("MSZIP")}) {
+    // Packs the files with both tools (after one warm-up round) and prints one line.
+    auto compare = [&](const QString &type, const QStringList &files, const QString &label) {
+        qint64 bytes = 0;
+        for (const QString &file : files)
+            bytes += QFileInfo(corpus + u'/' + file).size();
         QByteArray ddf = ".Set CabinetNameTemplate=\"" + cabinet.toUtf8() + "\"\n.Set DiskDirectory1=\n"
             + ".Set InfFileName=NUL\n.Set RptFileName=NUL\n"
             + (type == u"NONE" ? QByteArray(".Set Compress=OFF\n")
                                : QByteArray(".Set CompressionType=MSZIP\n"));
-        for (const QString &file : relative)
+        for (const QString &file : files)
             ddf += "\"" + file.toUtf8() + "\" \"" + QString(file).replace(u'/', u'\\').toUtf8() + "\"\n";
         writeFile(scratch.path() + QStringLiteral("/bench.ddf"), ddf);
-
         QStringList gcabArgs {QStringLiteral("-c")};
         if (type == u"MSZIP")
             gcabArgs << QStringLiteral("-z");
-        gcabArgs << cabinet << relative;
-
-        for (int warm = 0; warm < 2; ++warm) {
-            const Result ours = timed(makecab,
-                {QStringLiteral("/F"), scratch.path() + QStringLiteral("/bench.ddf")}, corpus, cabinet);
-            const Result theirs = timed(QStringLiteral("gcab"), gcabArgs, corpus, cabinet);
-            if (warm == 0)
-                continue; // the first round warms the page cache
-            std::printf(
-                "%-6s makecab: %10lld bytes (%6.2f%%) %8.1f MB/s   gcab: %10lld bytes (%6.2f%%) %8.1f MB/s"
-                "   size ours/gcab %.4f, speed ours/gcab %.2f\n",
-                qPrintable(type), qlonglong(ours.size), 100.0 * double(ours.size) / double(total),
-                double(total) / 1e6 / ours.seconds, qlonglong(theirs.size),
-                100.0 * double(theirs.size) / double(total), double(total) / 1e6 / theirs.seconds,
-                double(ours.size) / double(theirs.size), theirs.seconds / ours.seconds);
+        gcabArgs << cabinet << files;
+        Result ours;
+        Result theirs;
+        for (int round = 0; round < 2; ++round) {
+            ours = timed(makecab, {QStringLiteral("/F"), scratch.path() + QStringLiteral("/bench.ddf")},
+                corpus, cabinet);
+            theirs = timed(QStringLiteral("gcab"), gcabArgs, corpus, cabinet);
         }
+        std::printf(
+            "%-6s %-7s makecab: %10lld bytes (%6.2f%%) %7.1f MB/s   gcab: %10lld bytes (%6.2f%%) %7.1f MB/s"
+            "   ours %+.2f%% in size, %.2fx the speed\n",
+            qPrintable(type), qPrintable(label), qlonglong(ours.size),
+            100.0 * double(ours.size) / double(bytes), double(bytes) / 1e6 / ours.seconds,
+            qlonglong(theirs.size), 100.0 * double(theirs.size) / double(bytes),
+            double(bytes) / 1e6 / theirs.seconds, 100.0 * (double(ours.size) / double(theirs.size) - 1.0),
+            theirs.seconds / ours.seconds);
+    };
+    const QStringList types = qEnvironmentVariableIsSet("QB_BENCH_TYPES")
+        ? qEnvironmentVariable("QB_BENCH_TYPES").split(u',')
+        : QStringList {QStringLiteral("NONE"), QStringLiteral("MSZIP")};
+    for (const QString &type : types)
+        compare(type, relative, QStringLiteral("all"));
+    if (types.contains(QStringLiteral("MSZIP"))) {
+        for (const QString &part : {QStringLiteral("text"), QStringLiteral("code"), QStringLiteral("noise"),
+                 QStringLiteral("small")})
+            compare(QStringLiteral("MSZIP"), relative.filter(QRegularExpression(u'^' + part + u'/')), part);
     }
     return 0;
 }
