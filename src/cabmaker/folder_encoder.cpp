@@ -1,6 +1,7 @@
 // Choosing the encoder of a folder, and the encoder that stores blocks as they are.
 #include "cabmaker/folder_encoder.h"
 
+#include "cabmaker/lzx_encoder.h"
 #include "cabmaker/mszip_encoder.h"
 #include "util/cab_format.h"
 
@@ -33,10 +34,12 @@ std::unique_ptr<FolderEncoder> MakeFolderEncoder(const FolderSettings &settings,
         return std::make_unique<StoreEncoder>();
     case CompressionKind::MsZip:
         return std::make_unique<MsZipEncoder>();
-    case CompressionKind::Lzx:
-        error = QStringLiteral(
-            "LZX compression is not available in this version of makecab; use MSZIP or NONE");
-        return nullptr;
+    case CompressionKind::Lzx: {
+        LzxOptions options;
+        options.windowBits = settings.lzxWindowBits;
+        options.level = settings.lzxLevel < 0 ? kLzxDefaultLevel : settings.lzxLevel;
+        return std::make_unique<LzxEncoder>(options);
+    }
     }
     error = QStringLiteral("unknown compression type");
     return nullptr;

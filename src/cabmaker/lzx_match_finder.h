@@ -1,0 +1,72 @@
+// Hash chains over the encoder's sliding buffer: the longest earlier match at a position.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace qb::cabmaker::lzx {
+
+struct Match
+{
+    uint32_t length = 0;
+    uint32_t distance = 0;
+};
+
+class MatchFinder
+{
+public:
+    // capacity: the buffer's size; positions are indices into it.
+    explicit MatchFinder(size_t capacity, int hashBits);
+
+    // Adds position pos (which needs 3 readable bytes) to the chains.
+    void insert(const uint8_t *buffer, uint32_t pos)
+    {
+        const uint32_t h = hash(buffer + pos);
+        m_prev[pos] = m_head[h];
+        m_head[h] = int32_t(pos);
+    }
+
+    // The longest match at pos of at most maxLength bytes and at most maxDistance back, walking at
+    // most depth links. With list, every match longer than the one before is appended (so the
+    // list grows in length); returns the number of list entries, or 1/0 without a list.
+    int find(const uint8_t *buffer, uint32_t pos, uint32_t maxLength, uint32_t maxDistance, int depth,
+        Match &best, Match *list = nullptr) const;
+
+    // The buffer dropped its first `shift` bytes: every stored position moves down.
+    void rebase(uint32_t shift, uint32_t newSize);
+
+    size_t memoryBytes() const { return (m_head.size() + m_prev.size()) * sizeof(int32_t); }
+
+private:
+    uint32_t hash(const uint8_t *p) const
+    {
+        const uint32_t v = uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16;
+        return (v * 2654435761u) >> (32 - m_hashBits);
+    }
+
+    int m_hashBits;
+    std::vector<int32_t> m_head;
+    std::vector<int32_t> m_prev;
+};
+
+// Bytes equal at a and b, at most limit.
+inline uint32_t MatchLength(const uint8_t *a, const uint8_t *b, uint32_t limit)
+{
+    uint32_t n = 0;
+    while (n + 8 <= limit) {
+        uint64_t x;
+        uint64_t y;
+        __builtin_memcpy(&x, a + n, 8);
+        __builtin_memcpy(&y, b + n, 8);
+        const uint64_t diff = x ^ y;
+        if (diff)
+            return n + uint32_t(__builtin_ctzll(diff) >> 3);
+        n += 8;
+    }
+    while (n < limit && a[n] == b[n])
+        ++n;
+    return n;
+}
+
+} // namespace qb::cabmaker::lzx
