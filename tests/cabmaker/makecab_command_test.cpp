@@ -218,8 +218,8 @@ INSTANTIATE_TEST_SUITE_P(Cases, MakeCabFailure,
             ".Set CabinetNameTemplate=\"%D/nowhere/target.cab\"\r\n.Set "
             "DiskDirectory1=\r\n\"%D/in/real.txt\"\r\n",
             "does not exist"},
-        FailureCase {"Lzx", kHead + ".Set CompressionType=LZX\r\n\"%D/in/real.txt\"\r\n",
-            "LZX compression is not available"}),
+        FailureCase {"Quantum", kHead + ".Set CompressionType=QUANTUM\r\n\"%D/in/real.txt\"\r\n",
+            "run.ddf(3): Quantum compression is not supported"}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(MakeCabCommand, BadCommandLines)
