@@ -1,7 +1,16 @@
 # One line per fuzz target: qb_add_fuzzer(name DEPS libraries...)
+# libmspack decodes what the LZX target compresses; its imported target is per folder.
+if(NOT TARGET PkgConfig::MSPACK)
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(MSPACK REQUIRED IMPORTED_TARGET libmspack)
+endif()
 qb_add_fuzzer(fuzz_text_decode DEPS qb_util)
 qb_add_fuzzer(fuzz_text_search DEPS qb_util)
 qb_add_fuzzer(fuzz_profile_file DEPS qb_util)
 qb_add_fuzzer(fuzz_find_pattern DEPS qb_util)
 qb_add_fuzzer(fuzz_time_parse DEPS qb_util)
 qb_add_fuzzer(fuzz_directive DEPS qb_cabmaker)
+qb_add_fuzzer(fuzz_lzx_roundtrip DEPS qb_cabmaker PkgConfig::MSPACK)
+# Shares the in-memory libmspack helper with the cabmaker tests.
+target_sources(fuzz_lzx_roundtrip PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/mspack_memory.cpp)
+target_include_directories(fuzz_lzx_roundtrip PRIVATE ${PROJECT_SOURCE_DIR}/tests)

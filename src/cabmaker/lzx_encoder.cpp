@@ -202,7 +202,9 @@ private:
             m_finder.insert(m_buffer.data(), m_inserted);
     }
 
-    uint32_t maxDistance(uint32_t pos) const { return std::min(m_window - 3, pos); }
+    // The format reaches 2^w - 3 back, but one widely used decoder copies wrongly from exactly
+    // there; a byte less costs nothing worth having.
+    uint32_t maxDistance(uint32_t pos) const { return std::min(m_window - 4, pos); }
 
     // The longest repeated-offset match at pos: its slot (0..2) and length, length 0 if none.
     void bestRepeat(
