@@ -8,6 +8,8 @@ packages=(
   qt6-base-dev libmspack-dev zlib1g-dev libopencc-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
+  # the LZX benchmark compares with libwim's compressor
+  libwim-dev
   # outside oracles called by the tests
   cabextract 7zip gcab ffmpeg
   # the user interface is Chinese
