@@ -8,8 +8,10 @@
 #include "util/cab_format.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <limits>
+#include <thread>
 
 namespace qb::cabmaker {
 
@@ -19,6 +21,7 @@ namespace {
 
 constexpr uint32_t kChunkBytes = 2u << 20; // parsed and grouped into blocks at once
 constexpr uint32_t kPadding = 16; // readable bytes behind the data, for 8-byte compares
+constexpr uint32_t kMaxPairDistance = 2048;
 
 struct LevelParams
 {
@@ -31,15 +34,15 @@ struct LevelParams
 
 constexpr LevelParams kLevels[] = {
     {0, 0, 0, 0, 0}, // unused
-    {4, 32, 0, 0, 8}, //
-    {8, 48, 1, 0, 8}, //
+    {8, 48, 1, 0, 16}, // 1: fast
     {16, 64, 1, 0, 16}, //
     {32, 96, 1, 0, 32}, //
     {48, 128, 2, 0, 64}, //
-    {96, 192, 2, 0, 64}, //
-    {24, 96, 0, 1, 64}, //
-    {48, 160, 0, 2, 64}, //
-    {128, 257, 0, 3, 64}, //
+    {4, 16, 0, 1, 64}, // 5: near-optimal from here on
+    {8, 32, 0, 1, 64}, //
+    {12, 48, 0, 1, 64}, // 7: the default
+    {32, 128, 0, 2, 64}, //
+    {128, 257, 0, 3, 64}, // 9: best
 };
 
 // Estimated bit costs of literals and matches, from the last trees or from defaults.
@@ -71,6 +74,26 @@ struct CostModel
     }
 
     uint32_t literal(uint8_t byte) const { return main[byte]; }
+
+    // The bits of a match's offset footer, which don't depend on its length.
+    uint32_t footer(uint32_t code, int slot) const
+    {
+        if (code < 3)
+            return 0;
+        const uint32_t extra = SlotExtraBits(slot);
+        if (alignedBlocks && extra >= 3)
+            return extra - 3 + aligned[(code - SlotBase(slot)) & 7];
+        return extra;
+    }
+
+    // The bits of the main and length symbols of a match of this length in this slot.
+    uint32_t lengthPart(int slot, uint32_t length_) const
+    {
+        uint32_t bits = main[size_t(MainSymbol(slot, int(length_)))];
+        if (int(length_) - kMinMatch >= kNumPrimaryLengths)
+            bits += length[length_ - kMinMatch - kNumPrimaryLengths];
+        return bits;
+    }
 
     uint32_t match(uint32_t length_, uint32_t code) const
     {
@@ -162,11 +185,16 @@ public:
         , m_e8(options.e8Translation)
         , m_capacity(m_window + kChunkBytes)
         , m_buffer(m_capacity + kPadding, 0)
-        , m_finder(m_capacity, m_windowBits >= 19 ? 17 : 16)
+        , m_finder(m_params.passes > 0 ? 1 : m_capacity, m_windowBits >= 19 ? 17 : 16)
+        , m_tree(m_params.passes > 0 ? m_capacity : 1, m_windowBits >= 19 ? 17 : 16)
         , m_writer(m_windowBits, options.e8Translation, kLzxE8TranslationSize)
     { }
 
-    size_t peakMemory() const { return m_buffer.size() + m_finder.memoryBytes() + m_peakScratch; }
+    size_t peakMemory() const
+    {
+        return m_buffer.size() + m_finder.memoryBytes() + m_tree.memoryBytes()
+            + m_lastPair.size() * sizeof(int32_t) + m_peakScratch;
+    }
 
     void encode(const uint8_t *data, size_t size, bool last, std::vector<EncodedBlock> &out)
     {
@@ -189,8 +217,13 @@ private:
         const uint32_t keep = std::min(m_size, m_window);
         const uint32_t drop = m_size - keep;
         std::memmove(m_buffer.data(), m_buffer.data() + drop, keep);
-        m_finder.rebase(drop, keep);
+        if (m_params.passes > 0)
+            m_tree.rebase(drop, keep);
+        else
+            m_finder.rebase(drop, keep);
         m_inserted -= std::min(m_inserted, drop);
+        for (int32_t &last : m_lastPair)
+            last = last >= int32_t(drop) ? last - int32_t(drop) : -1;
         m_size = keep;
         m_bufferStart += drop;
     }
@@ -294,31 +327,60 @@ private:
         insertUpTo(end);
     }
 
-    // Near-optimal parsing of one frame: the cheapest path by the cost model, passes times,
-    // each pass pricing with the code lengths the one before produced.
-    void parseOptimal(uint32_t start, uint32_t end, Repeats &reps, std::vector<Item> &items)
+    // Finds the matches of every position of a frame for the near-optimal parser: the tree's
+    // matches cut at the frame's end, and a near two-byte match. index[i]..index[i+1] are
+    // position i's matches, lengths rising.
+    struct FrameMatches
+    {
+        std::vector<uint32_t> index;
+        std::vector<Match> matches;
+    };
+    void gatherMatches(uint32_t start, uint32_t end, FrameMatches &out)
     {
         const uint32_t n = end - start;
         constexpr int kMaxList = 32;
-        m_matchIndex.assign(n + 1, 0);
-        m_matches.clear();
+        out.index.assign(n + 1, 0);
+        out.matches.resize(std::max<size_t>(out.matches.size(), size_t(n) * 2));
+        uint32_t used = 0;
+        Match list[kMaxMatch + 1];
         for (uint32_t i = 0; i < n; ++i) {
             const uint32_t pos = start + i;
-            m_matchIndex[i] = uint32_t(m_matches.size());
+            out.index[i] = used;
+            if (out.matches.size() < size_t(used) + kMaxList + 1)
+                out.matches.resize(out.matches.size() * 2);
+            Match *slots = out.matches.data();
             const uint32_t maxLength = std::min<uint32_t>(kMaxMatch, end - pos);
-            insertUpTo(pos);
-            Match list[kMaxList + 256];
-            Match best;
-            const int count = maxLength >= 3
-                ? m_finder.find(m_buffer.data(), pos, maxLength, maxDistance(pos), m_params.depth, best, list)
-                : 0;
-            for (int k = std::max(0, count - kMaxList); k < count; ++k)
-                m_matches.push_back(list[k]);
+            // The tree compares as far as the data goes; matches are cut at the frame's end.
+            const uint32_t available = std::min<uint32_t>(kMaxMatch, m_size - pos);
+            const int count = m_tree.findAndInsert(
+                m_buffer.data(), pos, available, m_params.nice, maxDistance(pos), m_params.depth, list);
+            int kept = 0;
+            for (int k = 0; k < count; ++k) {
+                const uint32_t length = std::min(list[k].length, maxLength);
+                if (length < 3 || (kept > 0 && list[kept - 1].length >= length))
+                    continue;
+                list[kept++] = {length, list[k].distance};
+            }
+            // Two-byte matches come from the nearest earlier pair; only near ones can pay.
+            if (maxLength >= kMinMatch) {
+                int32_t &last = m_lastPair[size_t(m_buffer[pos]) | size_t(m_buffer[pos + 1]) << 8];
+                const uint32_t distance = last >= 0 ? pos - uint32_t(last) : 0;
+                if (last >= 0 && distance <= kMaxPairDistance && distance <= maxDistance(pos))
+                    slots[used++] = Match {2, distance};
+                last = int32_t(pos);
+            }
+            for (int k = std::max(0, kept - kMaxList); k < kept; ++k)
+                slots[used++] = list[k];
         }
-        m_matchIndex[n] = uint32_t(m_matches.size());
-        insertUpTo(end);
-        m_peakScratch = std::max(m_peakScratch, m_matches.capacity() * sizeof(Match) + n * 64);
+        out.index[n] = used;
+    }
 
+    // Near-optimal parsing of one frame: the cheapest path by the cost model, passes times,
+    // each pass pricing with the code lengths the one before produced.
+    void parseOptimal(
+        uint32_t start, uint32_t end, const FrameMatches &found, Repeats &reps, std::vector<Item> &items)
+    {
+        m_found = &found;
         const Repeats startReps = reps;
         CostModel cost = m_cost;
         for (int pass = 0; pass < m_params.passes; ++pass) {
@@ -346,43 +408,55 @@ private:
         m_nodeReps.resize(n + 1);
         m_nodeCost[0] = 0;
         m_nodeReps[0] = reps;
-        auto relax = [&](uint32_t from, uint32_t to, uint32_t c, Item item, const Repeats &state) {
-            if (c < m_nodeCost[to]) {
-                m_nodeCost[to] = c;
-                m_nodeFrom[to] = from;
-                m_nodeItem[to] = item;
-                Repeats next = state;
-                next.apply(item.value);
-                m_nodeReps[to] = item.length ? next : state;
-            }
-        };
+        // Relaxes matches of lengths lo..hi with one offset code from node i.
+        auto relaxMatches
+            = [&](uint32_t i, uint32_t lo, uint32_t hi, uint32_t code, const Repeats &state, uint32_t base) {
+                  const int slot = code < 3 ? int(code) : SlotOf(code);
+                  const uint32_t fixed = base + cost.footer(code, slot);
+                  Repeats next = state;
+                  next.apply(code);
+                  for (uint32_t l = lo; l <= hi; ++l) {
+                      const uint32_t c = fixed + cost.lengthPart(slot, l);
+                      if (c < m_nodeCost[i + l]) {
+                          m_nodeCost[i + l] = c;
+                          m_nodeFrom[i + l] = i;
+                          m_nodeItem[i + l] = Item {l, code};
+                          m_nodeReps[i + l] = next;
+                      }
+                  }
+              };
         for (uint32_t i = 0; i < n; ++i) {
             if (m_nodeCost[i] == kInfinite)
                 continue;
             const uint32_t pos = start + i;
             const uint32_t base = m_nodeCost[i];
             const Repeats state = m_nodeReps[i];
-            relax(i, i + 1, base + cost.literal(m_buffer[pos]), Literal(m_buffer[pos]), state);
+            const uint32_t literalCost = base + cost.literal(m_buffer[pos]);
+            if (literalCost < m_nodeCost[i + 1]) {
+                m_nodeCost[i + 1] = literalCost;
+                m_nodeFrom[i + 1] = i;
+                m_nodeItem[i + 1] = Literal(m_buffer[pos]);
+                m_nodeReps[i + 1] = state;
+            }
             const uint32_t maxLength = std::min<uint32_t>(kMaxMatch, n - i);
             if (maxLength < kMinMatch)
                 continue;
             uint32_t longest = 0;
             for (uint32_t k = 0; k < 3; ++k) {
                 const uint32_t d = state.r[k];
-                if (d > maxDistance(pos))
+                if (d > maxDistance(pos) || (k > 0 && (d == state.r[0] || (k == 2 && d == state.r[1]))))
                     continue;
                 const uint32_t length
                     = MatchLength(m_buffer.data() + pos, m_buffer.data() + pos - d, maxLength);
-                for (uint32_t l = kMinMatch; l <= length; ++l)
-                    relax(i, i + l, base + cost.match(l, k), Item {l, k}, state);
+                if (length >= kMinMatch)
+                    relaxMatches(i, kMinMatch, length, k, state, base);
                 longest = std::max(longest, length);
             }
-            uint32_t previous = kMinMatch;
-            for (uint32_t m = m_matchIndex[i]; m < m_matchIndex[i + 1]; ++m) {
-                const Match &match = m_matches[m];
-                const uint32_t code = state.code(match.distance);
-                for (uint32_t l = previous + 1; l <= match.length; ++l)
-                    relax(i, i + l, base + cost.match(l, code), Item {l, code}, state);
+            uint32_t previous = kMinMatch - 1;
+            for (uint32_t m = m_found->index[i]; m < m_found->index[i + 1]; ++m) {
+                const Match &match = m_found->matches[m];
+                if (match.length > previous)
+                    relaxMatches(i, previous + 1, match.length, state.code(match.distance), state, base);
                 previous = std::max(previous, match.length);
                 longest = std::max(longest, match.length);
             }
@@ -434,13 +508,45 @@ private:
             frames.push_back(std::move(frame));
         }
 
-        for (Frame &frame : frames) {
+        // The near-optimal levels find matches on a second thread, a frame or more ahead of the
+        // parser: finding depends only on the data, never on the parse.
+        // It stays at most kLookahead frames ahead, which bounds the memory its matches take.
+        constexpr size_t kLookahead = 4;
+        std::vector<FrameMatches> found(m_params.passes > 0 ? frames.size() : 0);
+        std::atomic<size_t> ready {0};
+        std::atomic<size_t> consumed {0};
+        std::thread finder;
+        if (m_params.passes > 0) {
+            finder = std::thread([&] {
+                for (size_t k = 0; k < frames.size(); ++k) {
+                    for (size_t done = consumed.load(std::memory_order_acquire); done + kLookahead <= k;
+                         done = consumed.load(std::memory_order_acquire))
+                        consumed.wait(done, std::memory_order_acquire);
+                    gatherMatches(frames[k].start, frames[k].start + frames[k].size, found[k]);
+                    m_peakScratch = std::max(m_peakScratch,
+                        (kLookahead + 1)
+                            * (found[k].matches.capacity() * sizeof(Match)
+                                + found[k].index.capacity() * sizeof(uint32_t)));
+                    ready.store(k + 1, std::memory_order_release);
+                    ready.notify_one();
+                }
+            });
+        }
+        for (size_t k = 0; k < frames.size(); ++k) {
+            Frame &frame = frames[k];
             frame.repeatsBefore = m_reps.r;
             Repeats reps = m_reps;
-            if (m_params.passes > 0)
-                parseOptimal(frame.start, frame.start + frame.size, reps, frame.items);
-            else
+            if (m_params.passes > 0) {
+                for (size_t seen = ready.load(std::memory_order_acquire); seen <= k;
+                     seen = ready.load(std::memory_order_acquire))
+                    ready.wait(seen, std::memory_order_acquire);
+                parseOptimal(frame.start, frame.start + frame.size, found[k], reps, frame.items);
+                found[k] = {};
+                consumed.store(k + 1, std::memory_order_release);
+                consumed.notify_one();
+            } else {
                 parseLazy(frame.start, frame.start + frame.size, reps, frame.items);
+            }
             for (const Item &item : frame.items)
                 frame.stats.add(item);
             const StreamWriter::Plan alone = m_writer.plan(frame.stats);
@@ -486,6 +592,8 @@ private:
             m_cost.learn(plan.trees, m_writer.mainSymbols(), plan.type == kBlockAligned);
             f = g;
         }
+        if (finder.joinable())
+            finder.join();
         for (size_t k = 0; k < frames.size(); ++k) {
             EncodedBlock block;
             block.payload
@@ -505,15 +613,16 @@ private:
     uint32_t m_size = 0;
     uint64_t m_bufferStart = 0;
     uint32_t m_inserted = 0;
-    MatchFinder m_finder;
+    MatchFinder m_finder; // lazy levels
+    TreeMatchFinder m_tree; // near-optimal levels
     StreamWriter m_writer;
     Repeats m_reps;
     CostModel m_cost;
     size_t m_peakScratch = 0;
 
     // Scratch of the near-optimal parser, kept between frames.
-    std::vector<uint32_t> m_matchIndex;
-    std::vector<Match> m_matches;
+    std::vector<int32_t> m_lastPair = std::vector<int32_t>(65536, -1);
+    const FrameMatches *m_found = nullptr;
     std::vector<uint32_t> m_nodeCost;
     std::vector<uint32_t> m_nodeFrom;
     std::vector<Item> m_nodeItem;

@@ -57,4 +57,71 @@ void MatchFinder::rebase(uint32_t shift, uint32_t newSize)
     std::fill(m_prev.begin() + newSize, m_prev.end(), -1);
 }
 
+TreeMatchFinder::TreeMatchFinder(size_t capacity, int hashBits)
+    : m_hashBits(hashBits)
+    , m_head(size_t(1) << hashBits, -1)
+    , m_children(capacity * 2, -1)
+{ }
+
+int TreeMatchFinder::findAndInsert(const uint8_t *buffer, uint32_t pos, uint32_t maxLength, uint32_t nice,
+    uint32_t maxDistance, int depth, Match *list)
+{
+    const uint32_t limit = std::min(maxLength, nice);
+    if (limit < 3)
+        return 0; // too near the end to place in the tree; the position is simply not indexed
+    const uint8_t *here = buffer + pos;
+    int32_t &root = m_head[hash(here)];
+    int32_t candidate = root;
+    root = int32_t(pos);
+    // Where the next smaller and the next greater node hang: first the new node's own children.
+    int32_t *smaller = &m_children[size_t(pos) * 2];
+    int32_t *greater = &m_children[size_t(pos) * 2 + 1];
+    uint32_t smallerLength = 0; // bytes known equal with everything under `smaller`
+    uint32_t greaterLength = 0;
+    uint32_t best = 2;
+    int found = 0;
+    while (candidate >= 0 && depth-- > 0 && pos - uint32_t(candidate) <= maxDistance) {
+        const uint8_t *there = buffer + candidate;
+        uint32_t length = std::min(smallerLength, greaterLength);
+        length += MatchLength(here + length, there + length, limit - length);
+        if (length > best) {
+            best = length;
+            list[found++] = {length, pos - uint32_t(candidate)};
+        }
+        int32_t *children = &m_children[size_t(candidate) * 2];
+        if (length >= limit) {
+            // As long as the new node's bytes reach: its place in the tree is the candidate's.
+            *smaller = children[0];
+            *greater = children[1];
+            return found;
+        }
+        if (there[length] < here[length]) {
+            *smaller = candidate;
+            smaller = &children[1];
+            candidate = children[1];
+            smallerLength = length;
+        } else {
+            *greater = candidate;
+            greater = &children[0];
+            candidate = children[0];
+            greaterLength = length;
+        }
+    }
+    *smaller = -1;
+    *greater = -1;
+    return found;
+}
+
+void TreeMatchFinder::rebase(uint32_t shift, uint32_t newSize)
+{
+    auto move = [shift](int32_t v) { return v >= int32_t(shift) ? v - int32_t(shift) : -1; };
+    for (int32_t &v : m_head)
+        v = move(v);
+    std::memmove(
+        m_children.data(), m_children.data() + size_t(shift) * 2, size_t(newSize) * 2 * sizeof(int32_t));
+    for (size_t i = 0; i < size_t(newSize) * 2; ++i)
+        m_children[i] = move(m_children[i]);
+    std::fill(m_children.begin() + std::ptrdiff_t(newSize) * 2, m_children.end(), -1);
+}
+
 } // namespace qb::cabmaker::lzx

@@ -50,6 +50,35 @@ private:
     std::vector<int32_t> m_prev;
 };
 
+// Binary trees of earlier positions ordered by the bytes that follow them, one tree per 3-byte
+// hash: each search walks down from the newest position, reports every longer match on its way
+// and makes the current position the new root.
+class TreeMatchFinder
+{
+public:
+    TreeMatchFinder(size_t capacity, int hashBits);
+
+    // Reports matches at pos (length rising, each with the nearest distance found for it) into
+    // list and inserts pos. maxLength bounds the match; nice stops the walk at that length.
+    // Returns the number of matches. pos needs 3 readable bytes.
+    int findAndInsert(const uint8_t *buffer, uint32_t pos, uint32_t maxLength, uint32_t nice,
+        uint32_t maxDistance, int depth, Match *list);
+
+    void rebase(uint32_t shift, uint32_t newSize);
+    size_t memoryBytes() const { return (m_head.size() + m_children.size()) * sizeof(int32_t); }
+
+private:
+    uint32_t hash(const uint8_t *p) const
+    {
+        const uint32_t v = uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16;
+        return (v * 2654435761u) >> (32 - m_hashBits);
+    }
+
+    int m_hashBits;
+    std::vector<int32_t> m_head;
+    std::vector<int32_t> m_children; // 2 per position: smaller, then greater
+};
+
 // Bytes equal at a and b, at most limit.
 inline uint32_t MatchLength(const uint8_t *a, const uint8_t *b, uint32_t limit)
 {
