@@ -16,8 +16,9 @@ inline constexpr int kLzxFastestLevel = 1;
 inline constexpr int kLzxDefaultLevel = 7;
 inline constexpr int kLzxBestLevel = 9;
 
-// The file size that call translation assumes, as cabinet writers use.
-inline constexpr quint32 kLzxE8TranslationSize = 12000000;
+// The file size that call translation assumes. The largest the decoders take keeps every call
+// target absolute across a whole folder; the customary 12,000,000 loses the gain after 12 MB.
+inline constexpr quint32 kLzxE8TranslationSize = 0x7FFFFFFF;
 
 struct LzxOptions
 {
