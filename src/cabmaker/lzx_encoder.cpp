@@ -34,7 +34,7 @@ struct LevelParams
 
 constexpr LevelParams kLevels[] = {
     {0, 0, 0, 0, 0}, // unused
-    {8, 48, 1, 0, 16}, // 1: fast
+    {12, 56, 1, 0, 16}, // 1: fast
     {16, 64, 1, 0, 16}, //
     {32, 96, 1, 0, 32}, //
     {48, 128, 2, 0, 64}, //
@@ -276,9 +276,8 @@ private:
         auto consider = [&](uint32_t length, uint32_t code) {
             if (length < kMinMatch)
                 return;
-            int64_t literals = 0;
-            for (uint32_t i = 0; i < length; ++i)
-                literals += m_cost.literal(m_buffer[pos + i]);
+            const int64_t literals
+                = int64_t(m_literalPrefix[pos + length - m_frameStart] - m_literalPrefix[pos - m_frameStart]);
             const int64_t gain = literals - int64_t(m_cost.match(length, code));
             if (gain > saving) {
                 saving = gain;
@@ -294,6 +293,12 @@ private:
     // Lazy parsing of one frame.
     void parseLazy(uint32_t start, uint32_t end, Repeats &reps, std::vector<Item> &items)
     {
+        // Running sums of literal costs, so that pricing a match as literals takes two reads.
+        m_frameStart = start;
+        m_literalPrefix.resize(end - start + 1);
+        m_literalPrefix[0] = 0;
+        for (uint32_t i = start; i < end; ++i)
+            m_literalPrefix[i - start + 1] = m_literalPrefix[i - start] + m_cost.literal(m_buffer[i]);
         uint32_t pos = start;
         while (pos < end) {
             int64_t saving;
@@ -308,9 +313,8 @@ private:
                  step <= m_params.lazy && item.length < m_params.nice && pos + uint32_t(step) < end; ++step) {
                 int64_t laterSaving;
                 const Item later = bestItem(reps, pos + uint32_t(step), end, laterSaving);
-                int64_t literals = 0;
-                for (int i = 0; i < step; ++i)
-                    literals += m_cost.literal(m_buffer[pos + uint32_t(i)]);
+                const int64_t literals
+                    = int64_t(m_literalPrefix[pos + uint32_t(step) - start] - m_literalPrefix[pos - start]);
                 if (later.length > 0 && laterSaving - literals > saving + 1) {
                     for (int i = 0; i < step; ++i)
                         items.push_back(Literal(m_buffer[pos + uint32_t(i)]));
@@ -623,6 +627,9 @@ private:
     // Scratch of the near-optimal parser, kept between frames.
     std::vector<int32_t> m_lastPair = std::vector<int32_t>(65536, -1);
     const FrameMatches *m_found = nullptr;
+    // Scratch of the lazy parser.
+    std::vector<uint32_t> m_literalPrefix;
+    uint32_t m_frameStart = 0;
     std::vector<uint32_t> m_nodeCost;
     std::vector<uint32_t> m_nodeFrom;
     std::vector<Item> m_nodeItem;
