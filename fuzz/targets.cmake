@@ -14,3 +14,4 @@ qb_add_fuzzer(fuzz_lzx_roundtrip DEPS qb_cabmaker PkgConfig::MSPACK)
 # Shares the in-memory libmspack helper with the cabmaker tests.
 target_sources(fuzz_lzx_roundtrip PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/mspack_memory.cpp)
 target_include_directories(fuzz_lzx_roundtrip PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+qb_add_fuzzer(fuzz_cab_reader DEPS qb_cabinet)

@@ -7,6 +7,13 @@
 
 namespace qb::cabmaker::lzx {
 
+// The bucket of the three bytes at p in a table of 2^bits heads.
+inline uint32_t Hash3(const uint8_t *p, int bits)
+{
+    const uint32_t v = uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16;
+    return (v * 2654435761u) >> (32 - bits);
+}
+
 struct Match
 {
     uint32_t length = 0;
@@ -39,11 +46,7 @@ public:
     size_t memoryBytes() const { return (m_head.size() + m_prev.size()) * sizeof(int32_t); }
 
 private:
-    uint32_t hash(const uint8_t *p) const
-    {
-        const uint32_t v = uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16;
-        return (v * 2654435761u) >> (32 - m_hashBits);
-    }
+    uint32_t hash(const uint8_t *p) const { return Hash3(p, m_hashBits); }
 
     int m_hashBits;
     std::vector<int32_t> m_head;
@@ -68,11 +71,7 @@ public:
     size_t memoryBytes() const { return (m_head.size() + m_children.size()) * sizeof(int32_t); }
 
 private:
-    uint32_t hash(const uint8_t *p) const
-    {
-        const uint32_t v = uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16;
-        return (v * 2654435761u) >> (32 - m_hashBits);
-    }
+    uint32_t hash(const uint8_t *p) const { return Hash3(p, m_hashBits); }
 
     int m_hashBits;
     std::vector<int32_t> m_head;

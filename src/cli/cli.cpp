@@ -1,6 +1,8 @@
 // Sub-commands of the quillbox command.
 #include "cli/cli.h"
 
+#include "cli/cab_command.h"
+
 #include "host/find_file.h"
 #include "util/file_names.h"
 #include "util/number_text.h"
@@ -32,6 +34,9 @@ const char *const kUsageText
       "  size BYTES|FILE        print a size as \"1.00KB\"\n"
       "  text-format FILE       print the text format of a file: 0 ANSI, 1 UTF-8, 2 UTF-16 LE,\n"
       "                         3 UTF-16 BE, 4 UTF-32 LE, 5 UTF-32 BE\n"
+      "  cab list|extract|test|xml CABINET [-d DIR] [NAME...]\n"
+      "                        list, unpack (into DIR, default the current folder), test or\n"
+      "                        describe as XML the files of a cabinet (all, or the NAMEs)\n"
       "  help                   this text\n";
 
 struct Context
@@ -144,6 +149,7 @@ int RunQuillbox(const QStringList &arguments, QTextStream &out, QTextStream &err
         {QStringLiteral("msecs"), msecs},
         {QStringLiteral("size"), size},
         {QStringLiteral("text-format"), textFormat},
+        {QStringLiteral("cab"), [](Context &c) { return RunCabCommand(c.args, c.out, c.err); }},
     };
     Context context {arguments.mid(1), out, err};
     if (arguments.isEmpty())

@@ -1,0 +1,68 @@
+// The path helpers: joining, splitting, folder creation and the guard on stored names.
+#include "cabinet/cab_paths.h"
+#include "cabinet/cab_reader.h"
+
+#include "support/temp_tree.h"
+
+#include <QFileInfo>
+#include <gtest/gtest.h>
+
+using namespace qb::cabinet;
+
+namespace {
+
+TEST(CabPaths, FixPathAddsOneSlash)
+{
+    EXPECT_EQ(FixPath(QStringLiteral("/tmp/a")), QStringLiteral("/tmp/a/"));
+    EXPECT_EQ(FixPath(QStringLiteral("/tmp/a/")), QStringLiteral("/tmp/a/"));
+    EXPECT_EQ(FixPath(QString()), QStringLiteral("/"));
+    clsCAB reader;
+    EXPECT_EQ(reader.FixPath(QStringLiteral("x")), QStringLiteral("x/"));
+}
+
+TEST(CabPaths, SplitFileCutsAtTheLastSeparator)
+{
+    QString path;
+    QString file;
+    SplitFile(QStringLiteral("a\\b/c\\d.txt"), path, file);
+    EXPECT_EQ(path, QStringLiteral("a\\b/c\\"));
+    EXPECT_EQ(file, QStringLiteral("d.txt"));
+    SplitFile(QStringLiteral("a/b\\c/d"), path, file);
+    EXPECT_EQ(path, QStringLiteral("a/b\\c/"));
+    EXPECT_EQ(file, QStringLiteral("d"));
+    SplitFile(QStringLiteral("plain.txt"), path, file);
+    EXPECT_EQ(path, QString());
+    EXPECT_EQ(file, QStringLiteral("plain.txt"));
+    SplitFile(QStringLiteral("dir\\"), path, file);
+    EXPECT_EQ(path, QStringLiteral("dir\\"));
+    EXPECT_EQ(file, QString());
+}
+
+TEST(CabPaths, MakePathCreatesEveryLevel)
+{
+    qb::test::TempTree tree;
+    const QString deep = tree.path(QStringLiteral("one/two/three/four"));
+    clsCAB reader;
+    EXPECT_TRUE(reader.MakePath(deep));
+    EXPECT_TRUE(QFileInfo(deep).isDir());
+    EXPECT_TRUE(reader.MakePath(deep + u'/'));
+    EXPECT_TRUE(MakePath(tree.root()));
+    EXPECT_FALSE(MakePath(QString()));
+    // A file in the way cannot become a folder.
+    const QString file = tree.writeFile(QStringLiteral("plain"), "x");
+    EXPECT_FALSE(MakePath(file + QStringLiteral("/below")));
+    EXPECT_FALSE(MakePath(file));
+}
+
+TEST(CabPaths, SafeMemberNames)
+{
+    for (const char *name : {"a.txt", "dir\\sub\\a.txt", "a..b.txt", "..a", "dir/a.txt", "名字.txt"})
+        EXPECT_TRUE(IsSafeMemberName(QString::fromUtf8(name))) << name;
+    for (const char *name : {"", "..", "..\\a", "a\\..\\..\\b", "a/../b", "\\abs", "/abs", "C:x.txt", "c:\\x",
+             "a\\", "a\x01", "a\x7F", ".\\a", "tab\there"})
+        EXPECT_FALSE(IsSafeMemberName(QString::fromUtf8(name))) << name;
+    EXPECT_FALSE(IsSafeMemberName(QStringLiteral("nul") + QChar(0) + QStringLiteral("x")));
+    EXPECT_EQ(MemberNameToRelativePath(QStringLiteral("a\\b\\c")), QStringLiteral("a/b/c"));
+}
+
+} // namespace

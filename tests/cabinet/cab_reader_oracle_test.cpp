@@ -1,0 +1,160 @@
+// Cabinets from gcab and makecab, read by clsCAB: the listing must match cabextract's and every
+// file must come out byte for byte.
+#include "cab_fixtures.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <gtest/gtest.h>
+
+using namespace qb::test;
+using qb::cabinet::clsCAB;
+
+namespace {
+
+struct Maker
+{
+    const char *label;
+    bool gcab;
+    const char *compression; // gcab: "MSZIP" or "NONE"
+};
+
+QList<CabEntry> sampleEntries()
+{
+    return {
+        {QStringLiteral("readme.txt"), sampleBytes(1000, 1)},
+        {QStringLiteral("empty.dat"), QByteArray()},
+        {QStringLiteral("sub\\big.bin"), sampleBytes(200000, 2)},
+        {QStringLiteral("sub\\deeper\\Mixed Case.TXT"), sampleBytes(40000, 3)},
+        {QStringLiteral("b&<c.txt"), QByteArray("amp and less")},
+        {QStringLiteral("zz\\tail.bin"), sampleBytes(70000, 4)},
+    };
+}
+
+// Every regular file below a folder, relative, "/" between folders.
+QStringList filesBelow(const QString &folder)
+{
+    QStringList files;
+    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files << QDir(folder).relativeFilePath(it.next());
+    files.sort();
+    return files;
+}
+
+class ReaderOracle : public ::testing::TestWithParam<Maker>
+{
+protected:
+    QString build(TempTree &tree, const QList<CabEntry> &entries)
+    {
+        const Maker &maker = GetParam();
+        if (maker.gcab)
+            return makeCabWithGcab(tree, entries, QLatin1String(maker.compression) == QLatin1String("MSZIP"));
+        return makeCabWithMakeCab(tree, entries, QString::fromLatin1(maker.compression));
+    }
+};
+
+TEST_P(ReaderOracle, ListsLikeCabextract)
+{
+    TempTree tree;
+    const QString cab = build(tree, sampleEntries());
+    const QList<ListedFile> expected = cabextractList(cab);
+    const QList<ListedFile> actual = readerList(cab);
+    ASSERT_EQ(expected.size(), sampleEntries().size());
+    ASSERT_EQ(actual.size(), expected.size());
+    for (qsizetype i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(actual[i].name, expected[i].name);
+        EXPECT_EQ(actual[i].size, expected[i].size) << expected[i].name.toStdString();
+        // cabextract shows local time; both read the same DOS fields, compare to the minute.
+        ASSERT_TRUE(actual[i].dateTime.isValid());
+        EXPECT_EQ(actual[i].dateTime.toString(QStringLiteral("yyyy-MM-dd HH:mm")),
+            expected[i].dateTime.toString(QStringLiteral("yyyy-MM-dd HH:mm")));
+    }
+    clsCAB reader;
+    reader.setCabName(cab);
+    EXPECT_EQ(reader.FileCount(), long(expected.size()));
+}
+
+TEST_P(ReaderOracle, ExtractsEveryFileByteExact)
+{
+    TempTree tree;
+    const QList<CabEntry> entries = sampleEntries();
+    const QString cab = build(tree, entries);
+    clsCAB reader;
+    reader.setCabName(cab);
+    ErrorLog log(reader);
+    QStringList after;
+    QObject::connect(&reader, &clsCAB::AfterExtract, [&after](const QString &target) { after << target; });
+    const QString out = tree.makeDir(QStringLiteral("x"));
+    ASSERT_TRUE(reader.Extract(QString(), out, QString()));
+    EXPECT_TRUE(log.errors.isEmpty());
+    ASSERT_EQ(after.size(), entries.size());
+    QStringList expectedFiles;
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        const QString relative = QString(entries[i].name).replace(u'\\', u'/');
+        expectedFiles << relative;
+        EXPECT_EQ(after[i], out + u'/' + relative);
+        EXPECT_EQ(readAll(out + u'/' + relative), entries[i].bytes) << relative.toStdString();
+    }
+    expectedFiles.sort();
+    // Nothing else: no scratch file left behind.
+    EXPECT_EQ(filesBelow(out), expectedFiles);
+
+    // The same, cross-checked with cabextract's own output.
+    const QString theirs = tree.makeDir(QStringLiteral("theirs"));
+    ASSERT_EQ(runTool(QStringLiteral("cabextract"), {QStringLiteral("-q"), QStringLiteral("-d"), theirs, cab})
+                  .exitCode,
+        0);
+    for (const QString &relative : expectedFiles)
+        EXPECT_EQ(readAll(out + u'/' + relative), readAll(theirs + u'/' + relative));
+}
+
+TEST_P(ReaderOracle, ExtractsSelectedNames)
+{
+    TempTree tree;
+    const QList<CabEntry> entries = sampleEntries();
+    const QString cab = build(tree, entries);
+    clsCAB reader;
+    reader.setCabName(cab);
+    ErrorLog log(reader);
+
+    // One name, given in another case, to a name of our choosing.
+    const QString one = tree.makeDir(QStringLiteral("one"));
+    ASSERT_TRUE(
+        reader.Extract(QStringLiteral("SUB\\DEEPER\\mixed case.txt"), one, QStringLiteral("renamed.bin")));
+    EXPECT_EQ(filesBelow(one), QStringList {QStringLiteral("renamed.bin")});
+    EXPECT_EQ(readAll(one + QStringLiteral("/renamed.bin")), entries[3].bytes);
+
+    // Several names, one call each, keeping their folders.
+    const QString several = tree.makeDir(QStringLiteral("several"));
+    ASSERT_TRUE(reader.Extract(QStringLiteral("zz\\tail.bin"), several, QString()));
+    ASSERT_TRUE(reader.Extract(QStringLiteral("README.TXT"), several, QString()));
+    EXPECT_EQ(
+        filesBelow(several), (QStringList {QStringLiteral("readme.txt"), QStringLiteral("zz/tail.bin")}));
+    EXPECT_EQ(readAll(several + QStringLiteral("/zz/tail.bin")), entries[5].bytes);
+    EXPECT_EQ(readAll(several + QStringLiteral("/readme.txt")), entries[0].bytes);
+
+    // A name not in the cabinet writes nothing and is no error.
+    const QString none = tree.makeDir(QStringLiteral("none"));
+    EXPECT_TRUE(reader.Extract(QStringLiteral("missing.txt"), none, QString()));
+    EXPECT_TRUE(filesBelow(none).isEmpty());
+    EXPECT_TRUE(log.errors.isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Makers, ReaderOracle,
+    ::testing::Values(Maker {"GcabNone", true, "NONE"}, Maker {"GcabMszip", true, "MSZIP"},
+        Maker {"MakecabNone", false, "NONE"}, Maker {"MakecabMszip", false, "MSZIP"},
+        Maker {"MakecabLzx", false, "LZX"}),
+    [](const ::testing::TestParamInfo<Maker> &info) { return std::string(info.param.label); });
+
+TEST(Reader, ExtractsBesideTheCabinetWhenNoFolderIsGiven)
+{
+    TempTree tree;
+    const QString cab = makeCabWithMakeCab(tree, {{QStringLiteral("in\\a.txt"), "alpha"}},
+        QStringLiteral("MSZIP"), QStringLiteral("place/t.cab"));
+    clsCAB reader;
+    reader.setCabName(cab);
+    ASSERT_TRUE(reader.Extract(QString(), QString(), QString()));
+    EXPECT_EQ(readAll(tree.path(QStringLiteral("place/in/a.txt"))), QByteArray("alpha"));
+}
+
+} // namespace
