@@ -1,5 +1,6 @@
 // Fuzz target: arbitrary bytes as a cabinet, listed, described and unpacked into a scratch folder.
 #include "cabinet/cab_reader.h"
+#include "fuzz_check.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -10,16 +11,6 @@
 #include <cstdlib>
 
 using qb::cabinet::clsCAB;
-
-namespace {
-
-void check(bool ok)
-{
-    if (!ok)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

@@ -1,5 +1,6 @@
 // Fuzz target: directive files of arbitrary bytes through the interpreter, its /D path and its plan.
 #include "cabmaker/directive_interpreter.h"
+#include "fuzz_check.h"
 
 #include <QByteArray>
 #include <QString>
@@ -8,16 +9,6 @@
 #include <cstdlib>
 
 using namespace qb::cabmaker;
-
-namespace {
-
-void check(bool ok)
-{
-    if (!ok)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

@@ -1,5 +1,6 @@
 // Fuzz target: bytes through the LZX compressor into a one-file cabinet, and back out through libmspack.
 #include "cabmaker/lzx_encoder.h"
+#include "fuzz_check.h"
 #include "support/mspack_memory.h"
 #include "util/cab_format.h"
 
@@ -13,12 +14,6 @@ using namespace qb::cabmaker;
 namespace {
 
 constexpr size_t kMaxInput = 256 * 1024;
-
-void check(bool ok)
-{
-    if (!ok)
-        std::abort();
-}
 
 } // namespace
 

@@ -1,4 +1,5 @@
 // Fuzz target: decoding whole text files in every format and code page, with round-trip checks.
+#include "fuzz_check.h"
 #include "util/code_page.h"
 #include "util/text_file.h"
 
@@ -9,16 +10,6 @@
 #include <cstdlib>
 
 using namespace qb::util;
-
-namespace {
-
-void check(bool ok)
-{
-    if (!ok)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

@@ -1,4 +1,5 @@
 // Fuzz target: path splitting, tag stripping, marker searches and list helpers on hostile strings.
+#include "fuzz_check.h"
 #include "util/code_page.h"
 #include "util/string_array.h"
 #include "util/text_search.h"
@@ -10,16 +11,6 @@
 #include <cstdlib>
 
 using namespace qb::util;
-
-namespace {
-
-void check(bool ok)
-{
-    if (!ok)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

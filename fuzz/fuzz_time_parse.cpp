@@ -1,4 +1,5 @@
 // Fuzz target: clock texts, Val, number patterns and millisecond formatting on arbitrary bytes.
+#include "fuzz_check.h"
 #include "util/number_text.h"
 #include "util/size_format.h"
 #include "util/time_format.h"
@@ -15,12 +16,6 @@
 using namespace qb::util;
 
 namespace {
-
-void check(bool ok)
-{
-    if (!ok)
-        std::abort();
-}
 
 bool hasNonZeroDigit(const QString &text)
 {

@@ -12,20 +12,6 @@
 
 namespace qb::test {
 
-ToolRun runTool(const QString &program, const QStringList &args, const QString &folder)
-{
-    QProcess process;
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    if (!folder.isEmpty())
-        process.setWorkingDirectory(folder);
-    process.start(program, args);
-    if (!process.waitForStarted(10000))
-        return {-1, QStringLiteral("cannot start ") + program};
-    process.waitForFinished(600000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-        QString::fromUtf8(process.readAll())};
-}
-
 QString makeCabWithMakeCab(
     TempTree &tree, const QList<CabEntry> &entries, const QString &compression, const QString &cabRelative)
 {

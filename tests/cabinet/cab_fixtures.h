@@ -4,6 +4,7 @@
 #include "cabinet/cab_reader.h"
 
 #include "support/temp_tree.h"
+#include "support/tool_run.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -12,15 +13,6 @@
 #include <QStringList>
 
 namespace qb::test {
-
-struct ToolRun
-{
-    int exitCode = -1;
-    QString output;
-};
-
-// Runs a program to its end, standard error merged into the output.
-ToolRun runTool(const QString &program, const QStringList &args, const QString &folder = {});
 
 struct CabEntry
 {

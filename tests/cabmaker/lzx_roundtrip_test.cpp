@@ -3,6 +3,7 @@
 #include "cabmaker/makecab_command.h"
 #include "support/mspack_memory.h"
 #include "support/temp_tree.h"
+#include "support/tool_run.h"
 #include "util/cab_format.h"
 
 #include <QFile>
@@ -315,23 +316,8 @@ QString caseName(const Case &c)
 // ---------------------------------------------------------------------------------------------
 // Outside tools
 
-struct ToolRun
-{
-    int exitCode = -1;
-    QString output;
-};
-
-ToolRun runTool(const QString &program, const QStringList &args)
-{
-    QProcess process;
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(program, args);
-    if (!process.waitForStarted(10000))
-        return {-1, QStringLiteral("cannot start ") + program};
-    process.waitForFinished(600000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-        QString::fromUtf8(process.readAll())};
-}
+using qb::test::runTool;
+using qb::test::ToolRun;
 
 struct Entry
 {

@@ -3,6 +3,7 @@
 #include "cabmaker/makecab_command.h"
 
 #include "support/temp_tree.h"
+#include "support/tool_run.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -15,25 +16,8 @@ using qb::test::TempTree;
 
 namespace {
 
-struct ToolRun
-{
-    int exitCode = -1;
-    QString output;
-};
-
-ToolRun runTool(const QString &program, const QStringList &args, const QString &folder = {})
-{
-    QProcess process;
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    if (!folder.isEmpty())
-        process.setWorkingDirectory(folder);
-    process.start(program, args);
-    if (!process.waitForStarted(10000))
-        return {-1, QStringLiteral("cannot start ") + program};
-    process.waitForFinished(600000);
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-        QString::fromUtf8(process.readAll())};
-}
+using qb::test::runTool;
+using qb::test::ToolRun;
 
 struct MakeCabRun
 {
