@@ -1,0 +1,143 @@
+// Hostile cabinets: cut at every record boundary of the format, and tables whose counts lie.
+// Each must end in RaiseError or in right bytes, never in a crash or in wrong bytes on disk.
+#include "cab_fixtures.h"
+
+#include "util/cab_format.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <gtest/gtest.h>
+
+using namespace qb::test;
+using qb::cabinet::clsCAB;
+
+namespace {
+
+quint16 get16(const QByteArray &b, qsizetype at)
+{
+    return quint16(uchar(b[at]) | uchar(b[at + 1]) << 8);
+}
+
+quint32 get32(const QByteArray &b, qsizetype at)
+{
+    return quint32(get16(b, at)) | quint32(get16(b, at + 2)) << 16;
+}
+
+// Every offset where one record of the cabinet ends and the next begins.
+QList<qsizetype> recordBoundaries(const QByteArray &cab)
+{
+    QList<qsizetype> cuts {0, 4, qsizetype(qb::cab::kHeaderSize)};
+    const quint16 folders = get16(cab, 26);
+    const quint16 files = get16(cab, 28);
+    for (quint16 f = 0; f < folders; ++f)
+        cuts << qsizetype(qb::cab::kHeaderSize + qb::cab::kFolderEntrySize * (f + 1u));
+    qsizetype at = qsizetype(get32(cab, 16));
+    for (quint16 f = 0; f < files; ++f) {
+        at += qsizetype(qb::cab::kFileEntryFixedSize);
+        cuts << at; // before the name
+        at = cab.indexOf('\0', at) + 1;
+        cuts << at;
+    }
+    for (quint16 f = 0; f < folders; ++f) {
+        qsizetype block
+            = qsizetype(get32(cab, qsizetype(qb::cab::kHeaderSize + qb::cab::kFolderEntrySize * f)));
+        const quint16 blocks
+            = get16(cab, qsizetype(qb::cab::kHeaderSize + qb::cab::kFolderEntrySize * f) + 4);
+        for (quint16 k = 0; k < blocks && block < cab.size(); ++k) {
+            cuts << block + qsizetype(qb::cab::kDataHeaderSize);
+            block += qsizetype(qb::cab::kDataHeaderSize) + get16(cab, block + 4);
+            cuts << block;
+        }
+    }
+    return cuts;
+}
+
+// Runs every service on a cabinet and checks that whatever was written is right and stays inside.
+void survive(
+    TempTree &tree, const QByteArray &cab, const QString &label, const QMap<QString, QByteArray> &expected)
+{
+    SCOPED_TRACE(label.toStdString());
+    const QString path = tree.writeFile(QStringLiteral("hostile/") + label + QStringLiteral(".cab"), cab);
+    const QString out = tree.makeDir(QStringLiteral("hostile/out-") + label);
+    clsCAB reader;
+    reader.setCabName(path);
+    reader.FileCount();
+    reader.GetInfo(QString());
+    reader.GetXML(QString());
+    reader.Extract(QString(), out, QString());
+    QDirIterator it(out, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString file = it.next();
+        const QString name = QDir(out).relativeFilePath(file);
+        ASSERT_TRUE(expected.contains(name)) << "unexpected file " << name.toStdString();
+        EXPECT_EQ(readAll(file), expected.value(name)) << name.toStdString();
+    }
+}
+
+class HostileCabinet : public ::testing::TestWithParam<const char *>
+{
+};
+
+TEST_P(HostileCabinet, CutAtEveryRecordBoundary)
+{
+    TempTree tree;
+    const QMap<QString, QByteArray> files {{QStringLiteral("a.txt"), "first file"},
+        {QStringLiteral("d/b.bin"), sampleBytes(70000, 3)},
+        {QStringLiteral("d/e/c.txt"), QByteArray(40000, 'c')}};
+    QList<CabEntry> entries;
+    for (auto it = files.cbegin(); it != files.cend(); ++it)
+        entries.append({QString(it.key()).replace(u'/', u'\\'), it.value()});
+    const QByteArray whole = readAll(makeCabWithMakeCab(tree, entries, QString::fromLatin1(GetParam())));
+    const QList<qsizetype> cuts = recordBoundaries(whole);
+    ASSERT_GT(cuts.size(), 12);
+    for (const qsizetype cut : cuts) {
+        for (const qsizetype near : {cut - 1, cut, cut + 1}) {
+            if (near < 0 || near >= whole.size())
+                continue;
+            survive(tree, whole.left(near), QStringLiteral("cut%1").arg(near), files);
+        }
+    }
+}
+
+TEST_P(HostileCabinet, CountsThatLie)
+{
+    TempTree tree;
+    const QMap<QString, QByteArray> files {
+        {QStringLiteral("a.txt"), "first file"}, {QStringLiteral("b.bin"), sampleBytes(50000, 4)}};
+    QList<CabEntry> entries;
+    for (auto it = files.cbegin(); it != files.cend(); ++it)
+        entries.append({it.key(), it.value()});
+    const QByteArray whole = readAll(makeCabWithMakeCab(tree, entries, QString::fromLatin1(GetParam())));
+    const qsizetype firstFile = qsizetype(get32(whole, 16));
+    struct Patch
+    {
+        const char *label;
+        qsizetype at;
+        quint32 value;
+        int width;
+    };
+    const Patch patches[] = {
+        {"folders0", 26, 0, 2},
+        {"folders7", 26, 7, 2},
+        {"filesMany", 28, 500, 2},
+        {"filesNone", 28, 0, 2},
+        {"fileFolder9", firstFile + 8, 9, 2},
+        {"blocksMany", qsizetype(qb::cab::kHeaderSize) + 4, 1000, 2},
+        {"blocksNone", qsizetype(qb::cab::kHeaderSize) + 4, 0, 2},
+        {"dataStartPastEnd", qsizetype(qb::cab::kHeaderSize), 0x7FFFFFF0, 4},
+        {"fileSizeHuge", firstFile, 0x7FFFFFF0, 4},
+        {"fileOffsetPastFolder", firstFile + 4, 0x10000000, 4},
+        {"filesTablePastEnd", 16, 0x7FFFFFF0, 4},
+        {"compressionType9", qsizetype(qb::cab::kHeaderSize) + 6, 9, 2},
+    };
+    for (const Patch &patch : patches) {
+        QByteArray cab = whole;
+        for (int i = 0; i < patch.width; ++i)
+            cab[patch.at + i] = char(patch.value >> (8 * i));
+        survive(tree, cab, QString::fromLatin1(patch.label), files);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Compression, HostileCabinet, ::testing::Values("NONE", "MSZIP", "LZX"));
+
+} // namespace
