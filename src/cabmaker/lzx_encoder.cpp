@@ -315,7 +315,7 @@ private:
                 const Item later = bestItem(reps, pos + uint32_t(step), end, laterSaving);
                 const int64_t literals
                     = int64_t(m_literalPrefix[pos + uint32_t(step) - start] - m_literalPrefix[pos - start]);
-                if (later.length > 0 && laterSaving - literals > saving + 1) {
+                if (later.length > 0 && laterSaving - literals > saving) {
                     for (int i = 0; i < step; ++i)
                         items.push_back(Literal(m_buffer[pos + uint32_t(i)]));
                     pos += uint32_t(step);
