@@ -6,6 +6,7 @@
 #include "util/wildcard.h"
 
 #include <array>
+#include <limits>
 
 namespace qb::engine {
 
@@ -80,6 +81,14 @@ const std::array<PercentLine, 10> kPercentLines {{
     {u"writing packet no", false, nullptr, nullptr},
 }};
 
+// A speed as a whole number; tool text can hold any number, so it is clamped to the field.
+long wholeNumber(double value)
+{
+    if (!(value > 0))
+        return 0;
+    return value >= double(std::numeric_limits<long>::max()) ? std::numeric_limits<long>::max() : long(value);
+}
+
 double timeToSeconds(const QString &text, const QString &separator)
 {
     QString copy = text;
@@ -119,7 +128,7 @@ void scanMEncoder(const QString &line, ScanState &state, const ScanContext &cont
         state.Max = byPercent ? 100 : context.Duration;
     state.value = byPercent ? util::Val(GetString(line, QStringLiteral("("), QStringLiteral("%")))
                             : util::Val(GetString(line, QStringLiteral("Pos:"), QStringLiteral("s")));
-    state.FPSSpeed = long(util::Val(GetString(line, QStringLiteral(")"), QStringLiteral("fps"))));
+    state.FPSSpeed = wholeNumber(util::Val(GetString(line, QStringLiteral(")"), QStringLiteral("fps"))));
 }
 
 } // namespace
@@ -175,7 +184,7 @@ void ScanToolOutput(
             state.value = timeToSeconds(
                 GetString(line, QStringLiteral("time="), QStringLiteral(" ")), QStringLiteral(","));
             state.FPSSpeed = line.startsWith(QStringLiteral("frame="), Qt::CaseInsensitive)
-                ? long(util::Val(GetString(line, QStringLiteral("fps="), QStringLiteral("q="))))
+                ? wholeNumber(util::Val(GetString(line, QStringLiteral("fps="), QStringLiteral("q="))))
                 : 0;
         } else {
             raise(kStatusSearching, line);

@@ -3,6 +3,7 @@
 
 #include <QStringList>
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace qb::engine;
 
@@ -170,6 +171,19 @@ TEST(ConsoleScan, MEncoderPositionLine)
     EXPECT_DOUBLE_EQ(o.state.value, 12.3);
     known.TimeEndPoint = 20;
     EXPECT_EQ(scan(pos, {}, known).state.Max, 20);
+}
+
+TEST(ConsoleScan, SpeedsBeyondTheFieldAreClamped)
+{
+    // Found by the fuzzer: a speed of 27 digits must not overflow the field.
+    EXPECT_EQ(scan(QStringLiteral("Pos: 1s 3f (7%) 7777777777777777777777777777fps")).state.FPSSpeed,
+        std::numeric_limits<long>::max());
+    EXPECT_EQ(
+        scan(QStringLiteral("frame=1 fps=99999999999999999999999 q=1 size=1kB time=00:00:01.00 bitrate=1"))
+            .state.FPSSpeed,
+        std::numeric_limits<long>::max());
+    EXPECT_EQ(
+        scan(QStringLiteral("frame=1 fps=-5 q=1 size=1kB time=00:00:01.00 bitrate=1")).state.FPSSpeed, 0);
 }
 
 TEST(ConsoleScan, CabinetMakerLines)
