@@ -249,16 +249,12 @@ private:
     size_t m_capacity = 0;
 };
 
-QString decodeWithIconv(QByteArrayView bytes, int codePage)
+// Converts all of the input; where the converter stops at an input unit it can't take, that
+// unit (of unitSize bytes) is skipped and the replacement written instead.
+template<typename Container>
+void convertAll(Converter &cv, const char *in, size_t inLeft, size_t unitSize, const void *replacement,
+    size_t replacementSize, Output<Container> &out)
 {
-    Converter cv(kHostUtf16, charsetName(codePage).constData());
-    if (!cv.isOpen())
-        return {};
-    QString text;
-    // One code unit per byte covers every double-byte and single-byte page; more room on demand.
-    Output<QString> out(text, size_t(bytes.size()) * 2 + 16);
-    const char *in = bytes.data();
-    size_t inLeft = size_t(bytes.size());
     while (inLeft > 0) {
         char *dst = out.cursor();
         size_t room = out.room();
@@ -270,11 +266,10 @@ QString decodeWithIconv(QByteArrayView bytes, int codePage)
             out.grow();
             continue;
         }
-        // A byte the page does not know, or a cut-off sequence at the end: one U+FFFD, move on.
-        const char16_t replacement = kReplacement;
-        out.put(&replacement, sizeof replacement);
-        ++in;
-        --inLeft;
+        out.put(replacement, replacementSize);
+        const size_t skip = std::min(unitSize, inLeft);
+        in += skip;
+        inLeft -= skip;
     }
     for (;;) {
         char *dst = out.cursor();
@@ -286,6 +281,19 @@ QString decodeWithIconv(QByteArrayView bytes, int codePage)
         out.grow();
     }
     out.finish();
+}
+
+QString decodeWithIconv(QByteArrayView bytes, int codePage)
+{
+    Converter cv(kHostUtf16, charsetName(codePage).constData());
+    if (!cv.isOpen())
+        return {};
+    QString text;
+    // One code unit per byte covers every double-byte and single-byte page; more room on demand.
+    Output<QString> out(text, size_t(bytes.size()) * 2 + 16);
+    // A byte the page does not know, or a cut-off sequence at the end: one U+FFFD, move on.
+    const char16_t replacement = kReplacement;
+    convertAll(cv, bytes.data(), size_t(bytes.size()), 1, &replacement, sizeof replacement, out);
     return text;
 }
 
@@ -314,34 +322,9 @@ QByteArray encodeWithIconv(QStringView text, int codePage)
 
     QByteArray bytes;
     Output<QByteArray> out(bytes, wide.size() * 2 + 16);
-    const char *in = reinterpret_cast<const char *>(wide.data());
-    size_t inLeft = wide.size() * sizeof(wchar_t);
-    while (inLeft > 0) {
-        char *dst = out.cursor();
-        size_t room = out.room();
-        const bool done = cv.run(in, inLeft, dst, room);
-        out.advanceTo(dst);
-        if (done)
-            break;
-        if (errno == E2BIG) {
-            out.grow();
-            continue;
-        }
-        // The page has no place for this character: "?" instead.
-        out.put("?", 1);
-        in += sizeof(wchar_t);
-        inLeft -= sizeof(wchar_t);
-    }
-    for (;;) {
-        char *dst = out.cursor();
-        size_t room = out.room();
-        const bool done = cv.flush(dst, room);
-        out.advanceTo(dst);
-        if (done || errno != E2BIG)
-            break;
-        out.grow();
-    }
-    out.finish();
+    // The page has no place for this character: "?" instead.
+    convertAll(cv, reinterpret_cast<const char *>(wide.data()), wide.size() * sizeof(wchar_t),
+        sizeof(wchar_t), "?", 1, out);
     return bytes;
 }
 
