@@ -1,5 +1,5 @@
 // quillbox cab: listing, XML, extraction and testing of a gcab cabinet, and the exit statuses.
-#include "cli/cli.h"
+#include "cli_run.h"
 
 #include "support/temp_tree.h"
 
@@ -9,24 +9,12 @@
 
 namespace {
 
-struct CabCliRun
-{
-    int status;
-    QString out;
-    QString err;
-};
+using CabCliRun = qb::test::CliRun;
 
 CabCliRun cab(QStringList arguments)
 {
     arguments.prepend(QStringLiteral("cab"));
-    QString out;
-    QString err;
-    QTextStream outStream(&out);
-    QTextStream errStream(&err);
-    const int status = qb::cli::RunQuillbox(arguments, outStream, errStream);
-    outStream.flush();
-    errStream.flush();
-    return {status, out, err};
+    return qb::test::runQuillbox(arguments);
 }
 
 // a.txt and sub/b.txt, stored with gcab's MSZIP.

@@ -1,5 +1,5 @@
 // The quillbox command: exit codes, output and messages of each sub-command.
-#include "cli/cli.h"
+#include "cli_run.h"
 
 #include "support/temp_tree.h"
 
@@ -7,23 +7,11 @@
 
 namespace {
 
-struct CliRun
-{
-    int status;
-    QString out;
-    QString err;
-};
+using qb::test::CliRun;
 
 CliRun run(const QStringList &arguments)
 {
-    QString out;
-    QString err;
-    QTextStream outStream(&out);
-    QTextStream errStream(&err);
-    const int status = qb::cli::RunQuillbox(arguments, outStream, errStream);
-    outStream.flush();
-    errStream.flush();
-    return {status, out, err};
+    return qb::test::runQuillbox(arguments);
 }
 
 TEST(Cli, UsageErrorsExitWithTwo)
