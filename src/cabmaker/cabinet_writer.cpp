@@ -322,6 +322,13 @@ bool CabinetWriter::write()
                 left -= n;
                 bytesDone += n;
                 sinceReport += n;
+                // Reported before the batch is compressed, so that every line is followed by a
+                // pause and a reader of the output sees each one on its own.
+                if (m_progress && (left == 0 || sinceReport >= kProgressStep)) {
+                    sinceReport = 0;
+                    m_progress({fileNumber, int(files.size()), file.planned->nameInCabinet, bytesDone,
+                        totalBytes, left == 0});
+                }
                 if (filled == batch.size()) {
                     encoder.encode(batch.data(), filled, false, blocks);
                     filled = 0;
@@ -330,14 +337,9 @@ bool CabinetWriter::write()
                         return false;
                     }
                 }
-                if (m_progress && sinceReport >= kProgressStep && left > 0) {
-                    sinceReport = 0;
-                    m_progress({fileNumber, int(files.size()), file.planned->nameInCabinet, bytesDone,
-                        totalBytes, false});
-                }
             }
             ::close(fd);
-            if (m_progress)
+            if (m_progress && file.size == 0)
                 m_progress({fileNumber, int(files.size()), file.planned->nameInCabinet, bytesDone, totalBytes,
                     true});
         }

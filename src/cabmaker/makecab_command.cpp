@@ -209,7 +209,12 @@ int RunMakeCab(const QStringList &arguments, QTextStream &out, QTextStream &err,
     clock.start();
     CabinetWriter writer(plan);
     if (options.verbosity >= 1)
-        writer.setProgress([&](const WriteProgress &p) { say(percentLine(p)); });
+        writer.setProgress([&](const WriteProgress &p) {
+            // CR LF: a reader that cuts the first line of what it reads at a carriage return, as
+            // the job engine does, gets exactly one progress line even when several arrive at once.
+            out << percentLine(p) << "\r\n";
+            out.flush();
+        });
     if (!writer.write()) {
         error(writer.errorString());
         return kFailed;

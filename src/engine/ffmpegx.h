@@ -1,0 +1,283 @@
+// FFmpegX: the job engine. One long-lived object that drives one outside tool at a time: the host
+// sets properties, calls StartProcess and hears back through the signals below. The run is a state
+// machine on the host's event loop: nothing blocks while a tool works, and handlers of the signals
+// may cancel, suspend, resume or change the priority at any moment.
+#pragma once
+
+#include "engine/console_scan.h"
+#include "engine/engine_properties.h"
+#include "engine/engine_texts.h"
+
+#include <QObject>
+#include <QString>
+#include <QTime>
+#include <QTimer>
+
+#include <array>
+#include <functional>
+
+namespace qb::util {
+class FileSearchEngine;
+}
+
+namespace qb::engine {
+
+class ToolProcess;
+
+class FFmpegX : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool Processing READ Processing WRITE setProcessing STORED false)
+    Q_PROPERTY(int Status READ Status STORED false)
+    Q_PROPERTY(double value READ value WRITE setvalue STORED false)
+    Q_PROPERTY(double Max READ Max WRITE setMax STORED false)
+    Q_PROPERTY(QString RemainderInfo READ RemainderInfo STORED false)
+    Q_PROPERTY(QString OutputInfo READ OutputInfo STORED false)
+    Q_PROPERTY(QString TwoPassStatus READ TwoPassStatus STORED false)
+    Q_PROPERTY(QString StartTime READ StartTime STORED false)
+    Q_PROPERTY(QString EndTime READ EndTime STORED false)
+    Q_PROPERTY(double Duration READ Duration STORED false)
+    Q_PROPERTY(QString StreamInfo READ StreamInfo STORED false)
+    Q_PROPERTY(int StatusRefreshInterval READ StatusRefreshInterval WRITE setStatusRefreshInterval)
+    Q_PROPERTY(bool SubclassEnabled READ SubclassEnabled WRITE setSubclassEnabled)
+    Q_PROPERTY(bool AllowRaiseEvent READ AllowRaiseEvent WRITE setAllowRaiseEvent)
+    Q_PROPERTY(bool OnlyUseExtCommandLine READ OnlyUseExtCommandLine WRITE setOnlyUseExtCommandLine)
+    Q_PROPERTY(QString CommandLine READ CommandLine WRITE setCommandLine)
+    Q_PROPERTY(bool Refresh READ Refresh WRITE setRefresh)
+    Q_PROPERTY(bool Log READ Log WRITE setLog)
+    Q_PROPERTY(int priority READ priority WRITE setpriority)
+    Q_PROPERTY(QString FileName READ FileName WRITE setFileName)
+    Q_PROPERTY(QString FileInfo READ FileInfo)
+    Q_PROPERTY(QString OutputDir READ OutputDir WRITE setOutputDir)
+    Q_PROPERTY(QString Core READ Core WRITE setCore)
+    Q_PROPERTY(QString GetWindowsBaseDirectory READ GetWindowsBaseDirectory STORED false)
+    Q_PROPERTY(QString GetWindowsSystemDirectory READ GetWindowsSystemDirectory STORED false)
+    Q_PROPERTY(QString GetWindowsTempDirectory READ GetWindowsTempDirectory STORED false)
+
+public:
+    explicit FFmpegX(QObject *parent = nullptr);
+    ~FFmpegX() override;
+
+    // Families of plain properties.
+    StringContentFamily StringContent;
+    FileOutputFamily FileOutput;
+    JobFamily Job;
+    CoreFamily CoreState;
+    VideoFamily Video;
+    AVSFamily AVS;
+    ImageGrabberFamily ImageGrabber;
+    ImageFamily Image;
+
+    // Job state.
+    bool Processing() const { return m_processing; }
+    void setProcessing(bool on) { m_processing = on; }
+    int Status() const { return m_status; }
+    // The position; 0 while the stored position lies above Max.
+    double value() const;
+    void setvalue(double position) { m_scan.value = position; }
+    // The end; 1 while the stored end is below 1.
+    double Max() const;
+    void setMax(double end) { m_scan.Max = end; }
+    QString RemainderInfo() const { return m_remainderInfo; }
+    QString OutputInfo() const { return m_outputInfo; }
+    QString TwoPassStatus() const { return m_twoPassStatus; }
+    QString StartTime() const { return m_startTime; }
+    QString EndTime() const { return m_endTime; }
+    double Duration() const { return m_duration; }
+    QString StreamInfo() const { return m_streamInfo; }
+
+    // Switches.
+    int StatusRefreshInterval() const { return m_statusRefreshInterval; }
+    void setStatusRefreshInterval(int milliseconds);
+    bool SubclassEnabled() const { return m_subclassEnabled; }
+    void setSubclassEnabled(bool on) { m_subclassEnabled = on; }
+    bool AllowRaiseEvent() const { return m_allowRaiseEvent; }
+    void setAllowRaiseEvent(bool on) { m_allowRaiseEvent = on; }
+    bool OnlyUseExtCommandLine() const { return m_onlyUseExtCommandLine; }
+    void setOnlyUseExtCommandLine(bool on) { m_onlyUseExtCommandLine = on; }
+    QString CommandLine() const { return m_commandLine; }
+    void setCommandLine(const QString &command) { m_commandLine = command; }
+    bool Refresh() const { return m_refresh; }
+    void setRefresh(bool on) { m_refresh = on; }
+    bool Log() const { return m_log; }
+    void setLog(bool on) { m_log = on; }
+    // A priority class (64 idle by default); set while a job runs, it applies to the tool at once.
+    int priority() const { return m_priority; }
+    void setpriority(int priorityClass);
+
+    // The job's source. A "|"-joined list keeps all of it in FileInfo; its first entry is FileName.
+    QString FileName() const { return m_fileName; }
+    void setFileName(const QString &value);
+    QString FileInfo() const { return m_fileInfo; }
+    QString OutputDir() const { return m_outputDir; }
+    void setOutputDir(const QString &value);
+    // The tool; a name that is no file leaves the old one in place.
+    QString Core() const { return m_core; }
+    void setCore(const QString &path);
+
+    // The name of a status code; "" for 10, 11 and anything above 9.
+    static QString GetStatusString(int Status);
+
+    // Running.
+    void StartProcess();
+    void CancelProcess();
+    int SuspendApp();
+    int ResumeApp();
+    // Runs a program (the command split by the command-line rules, no shell) and waits for it.
+    bool ExecuteAndWait(const QString &cmdline, bool ShowWindow);
+    // Runs a shell command and waits for it.
+    bool ShellAndWait(const QString &cmdline, bool ShowWindow);
+    // Types the first character of value into the running tool; the tool's id, or 0.
+    qint64 SendKeyToDos(const QString &value);
+    // Asks a process to close; true when the request was delivered.
+    bool CloseProcess(qint64 lProcessID, int uExitCode);
+
+    // Names and folders (forwarded to the utility layer).
+    void SearchFileStart(const QString &Start_Dir, const QString &File_Pattern, const QString &Find_String);
+    void SearchFileStop();
+    bool FileExists(const QString &FileName) const;
+    bool DirExists(const QString &path) const;
+    bool DirectoryExists(const QString &path) const;
+    QString cPath(const QString &path) const;
+    bool MakedPath(const QString &path) const;
+    QString RenameExists(const QString &FileName) const;
+    bool MoveFileTo(const QString &source, const QString &target) const;
+    QString CreateTempFile(const QString &folder, const QString &prefix) const;
+    qint64 GetFileLen(const QString &FileName) const;
+    QString GetWindowsBaseDirectory() const;
+    QString GetWindowsSystemDirectory() const;
+    QString GetWindowsTempDirectory() const;
+
+    // Seams. The composer turns the job into a command for a pass (0 single, 1 and 2 of a
+    // two-pass run); without one a composed job has no command and fails to start. The clock
+    // gives the local time of day; tests move it across midnight.
+    using CommandComposer = std::function<QString(int pass)>;
+    void setCommandComposer(CommandComposer composer) { m_composer = std::move(composer); }
+    void setClock(std::function<QTime()> clock) { m_clock = std::move(clock); }
+
+    // True from the moment StartProcess hands a job to the tool until the job's very end, between
+    // the passes of a two-pass job too, when Processing reads False for a moment.
+    bool IsBusy() const { return m_jobActive; }
+
+    // The tool's process id while a job runs, else 0.
+    qint64 ProcessId() const;
+
+Q_SIGNALS:
+    // The events, in their numbering order.
+    void DownloadsProgress(
+        qint64 BytesRead, qint64 BytesMax, int Status, const QString &URL, const QString &SaveFileName);
+    void DownloadsStatus(const QString &URL, int Status);
+    void DownloadsFinished(const QString &URL, const QString &SaveFileName);
+    void DownloadBegin(const QString &URL, const QString &SaveFileName);
+    void DownloadAllComplete(const QString &URL, const QString &SaveFileName);
+    void DownloadsFileStarted(const QString &URL, const QString &SaveFileName);
+    void DownloadsFileReadySave(const QString &URL, const QString &SaveFileName);
+    void DownloadsFileSaved(const QString &URL, const QString &SaveFileName);
+    void DownloadsMIMEType(const QString &MimeType);
+    void DownloadsCacheFile(const QString &CacheFileName);
+    void ImageProgress(int ProgressValue, int ProgressMax);
+    void FileInfoChange();
+    void StatusChange(int Status, const QString &StatusText);
+    void ProgressChange(int ProgressValue, int ProgressMax, int FPSSpeed, const QString &RemainderInfo,
+        const QString &OutputInfo, bool LastStatusText);
+    void PriorityChanged(int nPriority);
+    void PipeChange(const QString &StatusText);
+    void ScriptChange(const QString &StatusText);
+    void SearchStart();
+    void SearchEnd();
+    void SearchFile(qint64 hits, double size, const QString &path);
+
+    // Not an event: a stored property changed by the engine itself, for hosts that persist them.
+    void PropertyMarkedChanged(const QString &name);
+
+private:
+    enum class Wait { None, Data, Suspended };
+
+    // Gated raises.
+    void raiseStatus(int code, const QString &text);
+    void raiseProgress(int position, int end, int fps, bool last);
+
+    QString now() const;
+    QString startOutputFileName() const;
+    bool sourceIsSupportedImage() const;
+    QString composeCommand(int pass);
+    void finishStartProcess();
+    void runPassTwo();
+
+    // The run, one step per event-loop turn.
+    void runCommand(const QString &command, std::function<void()> done);
+    void post(void (FFmpegX::*step)(), int delayMs = 0);
+    void roundBegin();
+    void roundCheck();
+    void wake();
+    void resumeFromWait();
+    void roundAfterRead(const QByteArray &bytes);
+    void roundTail();
+    void onToolOutput();
+    void progressStep(bool fromTimer);
+    void onRefreshTick();
+    void logChunk();
+    void watchPriority();
+    void endLoop();
+    void terminateTool();
+    void onTerminateTimeout();
+    void onToolGone();
+    void closeRun();
+    void decideEnd();
+    QString decodeChunk(const QByteArray &bytes, bool final);
+
+    // Hooks of the later parts of the engine.
+    QString GetStreamInfo(const QString &fileName);
+    bool ImageConversion(const QStringList &files, const QString &output, const QString &format);
+    bool Screenshot(const QString &source, const QString &output, int width, int height, double seconds);
+    bool WriteContactSheet(const QString &source, const QString &output);
+
+    ScanState m_scan;
+    bool m_processing = false;
+    int m_status = 0;
+    bool m_cancelRequested = false;
+    QString m_remainderInfo;
+    QString m_outputInfo;
+    QString m_twoPassStatus = QStringLiteral("0");
+    QString m_startTime;
+    QString m_endTime;
+    double m_duration = 0;
+    QString m_streamInfo;
+    QString m_pipeText;
+    int m_statusRefreshInterval = 500;
+    bool m_subclassEnabled = false;
+    bool m_allowRaiseEvent = true;
+    bool m_onlyUseExtCommandLine = false;
+    QString m_commandLine;
+    bool m_refresh = false;
+    bool m_log = false;
+    int m_priority = 64;
+    QString m_fileName;
+    QString m_fileInfo;
+    QString m_outputDir;
+    QString m_core;
+
+    // The run.
+    qint64 m_pipeOk = 0;
+    QString m_tempBase;
+    std::array<QString, 9> m_tempFiles;
+    QString m_inputName;
+    ToolProcess *m_tool = nullptr; // deleted on a later event-loop turn, never inside its signals
+    bool m_inLoop = false;
+    bool m_jobActive = false;
+    std::function<void()> m_runDone;
+    Wait m_wait = Wait::None;
+    bool m_toolEnded = false;
+    bool m_chunkSinceTick = false;
+    quint64 m_runGeneration = 0;
+    QByteArray m_pendingBytes;
+    QTimer m_refreshTimer;
+    QTimer m_terminateTimer;
+    int m_terminateStage = 0;
+
+    CommandComposer m_composer;
+    std::function<QTime()> m_clock;
+    util::FileSearchEngine *m_search = nullptr;
+};
+
+} // namespace qb::engine
