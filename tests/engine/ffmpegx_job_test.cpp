@@ -6,6 +6,7 @@
 #include "support/temp_tree.h"
 
 #include <QFileInfo>
+#include <QMetaMethod>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -290,6 +291,35 @@ TEST_F(Job, NameHelpersForwardToTheFileLayer)
     ASSERT_EQ(found.size(), 1);
     EXPECT_EQ(found[0][2].toString(), source);
     EXPECT_EQ(end.size(), 1);
+}
+
+} // namespace
+} // namespace qb::engine
+
+namespace qb::engine {
+namespace {
+
+TEST(EngineEvents, DeclaredInTheControlsNumberingOrder)
+{
+    const QStringList expected {u"DownloadsProgress"_s, u"DownloadsStatus"_s, u"DownloadsFinished"_s,
+        u"DownloadBegin"_s, u"DownloadAllComplete"_s, u"DownloadsFileStarted"_s, u"DownloadsFileReadySave"_s,
+        u"DownloadsFileSaved"_s, u"DownloadsMIMEType"_s, u"DownloadsCacheFile"_s, u"ImageProgress"_s,
+        u"FileInfoChange"_s, u"StatusChange"_s, u"ProgressChange"_s, u"PriorityChanged"_s, u"PipeChange"_s,
+        u"ScriptChange"_s, u"SearchStart"_s, u"SearchEnd"_s, u"SearchFile"_s};
+    const QMetaObject &meta = FFmpegX::staticMetaObject;
+    QStringList signalNames;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        const QMetaMethod method = meta.method(i);
+        if (method.methodType() == QMetaMethod::Signal)
+            signalNames.append(QString::fromLatin1(method.name()));
+    }
+    ASSERT_GE(signalNames.size(), expected.size());
+    EXPECT_EQ(signalNames.mid(0, expected.size()), expected);
+    const QMetaMethod progress
+        = meta.method(meta.indexOfSignal("ProgressChange(int,int,int,QString,QString,bool)"));
+    EXPECT_EQ(progress.parameterNames(),
+        (QList<QByteArray> {
+            "ProgressValue", "ProgressMax", "FPSSpeed", "RemainderInfo", "OutputInfo", "LastStatusText"}));
 }
 
 } // namespace
