@@ -209,8 +209,16 @@ std::optional<QString> DirectiveInterpreter::cabinetName(
     if (!folder.isEmpty())
         name.prepend(folder.endsWith(u'\\') ? folder : folder + u'\\');
 
+    // A name that starts at the cabinet's root ("\\sub\\a.txt", as a package added from a chosen
+    // folder names its files) is stored from below the root: names in a cabinet are relative.
+    while (name.startsWith(u'\\'))
+        name.remove(0, 1);
+    if (name.isEmpty()) {
+        addError(u"the name in the cabinet is empty"_s);
+        return std::nullopt;
+    }
     const QString shown = PrintableText(name);
-    if (name.startsWith(u'\\') || (name.size() >= 2 && IsAsciiLetter(name[0]) && name[1] == u':')) {
+    if ((name.size() >= 2 && IsAsciiLetter(name[0]) && name[1] == u':')) {
         addError(u"'%1' is an absolute name; a name in the cabinet must be relative"_s.arg(shown));
         return std::nullopt;
     }

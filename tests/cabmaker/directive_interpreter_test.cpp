@@ -198,10 +198,7 @@ INSTANTIATE_TEST_SUITE_P(Directive, DirectiveErrorTable,
         ErrorCase {u"sub", u"t.ddf(1): '@/sub' is a folder, not a file"},
         ErrorCase {u"\"\" x.txt", u"t.ddf(1): the source file name is empty"},
         ErrorCase {u"a.txt \"\"", u"t.ddf(1): the name in the cabinet is empty"},
-        ErrorCase {u"a.txt \\abs.txt",
-            u"t.ddf(1): '\\abs.txt' is an absolute name; a name in the cabinet must be relative"},
-        ErrorCase {u"a.txt /abs.txt",
-            u"t.ddf(1): '\\abs.txt' is an absolute name; a name in the cabinet must be relative"},
+        ErrorCase {u"a.txt \\", u"t.ddf(1): the name in the cabinet is empty"},
         ErrorCase {u"a.txt C:\\x.txt",
             u"t.ddf(1): 'C:\\x.txt' is an absolute name; a name in the cabinet must be relative"},
         ErrorCase {u"a.txt x\\..\\..\\y.txt",
@@ -339,6 +336,14 @@ TEST_F(DirectiveTest, SourceDirAndDestinationDirPrefixPathsAndNames)
     EXPECT_EQ(utf8(plan.folders[0].files[0].sourcePath), utf8(tree.path(u"src/x.txt"_s)));
     EXPECT_EQ(utf8(plan.folders[0].files[2].sourcePath), utf8(absolute));
     EXPECT_EQ(utf8(plan.folders[0].files[3].sourcePath), utf8(tree.path(u"abs/../a.txt"_s)));
+}
+
+TEST_F(DirectiveTest, NamesFromTheRootAreStoredFromBelowIt)
+{
+    tree.writeFile(u"a.txt"_s, "a");
+    ASSERT_TRUE(run(u"a.txt \\abs.txt\na.txt \"\\sub\\in sub.txt\"\na.txt /slash.txt\n"_s))
+        << testing::PrintToString(errors());
+    EXPECT_EQ(folders(), std::vector<std::string> {"abs.txt|sub\\in sub.txt|slash.txt"});
 }
 
 TEST_F(DirectiveTest, BackslashPathsFallBackToSlashes)

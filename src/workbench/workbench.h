@@ -1,0 +1,90 @@
+// The workbench without its window: the package list, the build of a cabinet through the job
+// engine and our cabinet maker, and opening and extracting a cabinet. The window (or a test)
+// gives it a list, a strip, the menus and the dialogs; everything else it owns.
+#pragma once
+
+#include "cabinet/cab_reader.h"
+#include "engine/ffmpegx.h"
+#include "workbench/list_surface.h"
+#include "workbench/menu_surface.h"
+#include "workbench/package_rows.h"
+#include "workbench/strip_surface.h"
+#include "workbench/user_dialogs.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QTimer>
+
+namespace qb::workbench {
+
+class Workbench : public QObject
+{
+    Q_OBJECT
+
+public:
+    Workbench(ListSurface &list, StripSurface &strip, MenuSurface &menus, UserDialogs &dialogs,
+        QObject *parent = nullptr);
+
+    // Adding to the package.
+    // Adds inFile, or with inFile empty the dropped names (the first one's folder becomes the base).
+    void DropFile(const QStringList &dropped, const QString &inFile);
+    // Index 0: files from the open dialog; 1: a folder from the folder browser.
+    void mnuAdd(int Index);
+    void mnuDelete();
+    void mnuClear();
+
+    // Building.
+    // Index 0: build under the default name; 1: ask for the name first.
+    void mnuSave(int Index);
+    void BuildCabinet();
+    void mnuCancel();
+    void CleanSetupFiles();
+    void DeleteTempFiles();
+    void ShowStatus(const QString &text);
+
+    // Opening and extracting.
+    void mnuOpen();
+    void mnuExtract();
+
+    // The menu entries that a running job or add holds back, in their order.
+    void SetMenusEnabled(bool flag);
+
+    engine::FFmpegX &FFmpegX1() { return m_engine; }
+    cabinet::clsCAB &cCab() { return m_cab; }
+    QTimer &Timer1() { return m_timer; }
+
+    // Window-level fields.
+    QString mBasePath;
+    QString mCabinetPath;
+    QString mDirectivePath;
+    QString mNoticePath;
+    double mSourceBytes = 0;
+    int mExtractCount = 0;
+
+    // The clock of the status line; tests fix it.
+    void setClock(std::function<QTime()> clock) { m_clock = std::move(clock); }
+
+private:
+    void addRow(const QString &path);
+    void onStatusChange(int Status, const QString &StatusText);
+    void onProgressChange(int ProgressValue, int ProgressMax, int FPSSpeed, const QString &RemainderInfo,
+        const QString &OutputInfo, bool LastStatusText);
+    void onFileFound(const QString &FileName, const QDateTime &DateTime, qint64 Size, const QString &Path);
+    void onRaiseError(long Number, const QString &Source, const QString &Description);
+    void onBeforeExtract(const QString &FileName, bool &Cancel);
+    void onTimer();
+    void setAddMenusEnabled(bool on);
+
+    ListSurface &m_list;
+    StripSurface &m_strip;
+    MenuSurface &m_menus;
+    UserDialogs &m_dialogs;
+    engine::FFmpegX m_engine;
+    cabinet::clsCAB m_cab;
+    QTimer m_timer;
+    TypeNames m_types;
+    QDateTime m_buildStarted;
+    std::function<QTime()> m_clock;
+};
+
+} // namespace qb::workbench
