@@ -1,8 +1,8 @@
 // The workbench end to end without a window: adding a tree, building through the real job engine
 // and our cabinet maker, checking the cabinet with cabextract, opening it and extracting.
+#include "engine/process_priority.h"
 #include "support/temp_tree.h"
 #include "support/tool_run.h"
-#include "engine/process_priority.h"
 #include "workbench/app_context.h"
 #include "workbench/general_procedures.h"
 #include "workbench/list_surface.h"
@@ -439,6 +439,36 @@ TEST_F(WorkbenchTest, OpenAskingBeforeAnAddAndErrors)
     bench.cCab().setCabName(QString());
     bench.mnuExtract();
     EXPECT_EQ(dialogs.messages.last(), (std::pair {u"还未打开任何 CAB 文件包！"_s, kInformation}));
+}
+
+} // namespace
+} // namespace qb::workbench
+
+namespace qb::workbench {
+namespace {
+
+TEST_F(WorkbenchTest, ExtractionMovesTheBarEveryHundredFiles)
+{
+    WriteSetting(u"CompressionType", u"0"_s);
+    for (int i = 0; i < 250; ++i)
+        tree.writeFile(u"many/f%1.txt"_s.arg(i, 3, 10, QChar(u'0')), QByteArray::number(i));
+    bench.DropFile({tree.path(u"many"_s)}, QString());
+    bench.mnuSave(0);
+    ASSERT_TRUE(waitForBuild());
+    dialogs.files.push_back(
+        {QFileInfo(bench.mCabinetPath).path(), {QFileInfo(bench.mCabinetPath).fileName()}});
+    bench.mnuOpen();
+    ASSERT_EQ(list.Count(), 251);
+
+    double maxDuringExtraction = 0;
+    QObject::connect(&bench.cCab(), &cabinet::clsCAB::AfterExtract, &bench,
+        [&](const QString &) { maxDuringExtraction = strip.Max(); });
+    strip.values.clear();
+    dialogs.folders.push_back(tree.makeDir(u"out"_s));
+    bench.mnuExtract();
+    EXPECT_EQ(maxDuringExtraction, 251); // every file, the notice included
+    EXPECT_EQ(strip.values, (QList<double> {100, 200, 0}));
+    EXPECT_EQ(QDir(tree.path(u"out/many"_s)).entryList(QDir::Files).size(), 250);
 }
 
 } // namespace
