@@ -17,3 +17,4 @@ target_include_directories(fuzz_lzx_roundtrip PRIVATE ${PROJECT_SOURCE_DIR}/test
 qb_add_fuzzer(fuzz_cab_reader DEPS qb_cabinet)
 qb_add_fuzzer(fuzz_console_scan DEPS qb_engine)
 qb_add_fuzzer(fuzz_command_line DEPS qb_engine)
+qb_add_fuzzer(fuzz_instance_request DEPS qb_host)

@@ -155,33 +155,37 @@ void clsPrevInstance::setReady(bool ready)
         parseAndRaise(command);
 }
 
-void clsPrevInstance::parseAndRaise(const QString &sCommand)
+clsPrevInstance::ParsedCommand clsPrevInstance::ParseCommand(const QString &sCommand)
 {
-    QStringList files;
-    QStringList folders;
-    QStringList parameters;
-    if (!sCommand.isEmpty()) {
-        for (QString piece : sCommand.split(QStringLiteral("\" \""))) {
-            piece.remove(u'"');
-            piece = piece.trimmed();
-            if (piece.isEmpty())
-                continue;
-            const QFileInfo info(piece);
-            if (info.exists()) {
-                if (info.isDir())
-                    folders.append(piece.endsWith(u'/') ? piece : piece + u'/');
-                else
-                    files.append(piece);
-                continue;
-            }
-            for (const QString &word : piece.split(u' ', Qt::SkipEmptyParts)) {
-                const QString trimmed = word.trimmed();
-                if (!trimmed.isEmpty())
-                    parameters.append(trimmed);
-            }
+    ParsedCommand parsed;
+    if (sCommand.isEmpty())
+        return parsed;
+    for (QString piece : sCommand.split(QStringLiteral("\" \""))) {
+        piece.remove(u'"');
+        piece = piece.trimmed();
+        if (piece.isEmpty())
+            continue;
+        const QFileInfo info(piece);
+        if (info.exists()) {
+            if (info.isDir())
+                parsed.Folders.append(piece.endsWith(u'/') ? piece : piece + u'/');
+            else
+                parsed.Files.append(piece);
+            continue;
+        }
+        for (const QString &word : piece.split(u' ', Qt::SkipEmptyParts)) {
+            const QString trimmed = word.trimmed();
+            if (!trimmed.isEmpty())
+                parsed.Parameters.append(trimmed);
         }
     }
-    Q_EMIT PrevInstance(sCommand, m_ready, files, folders, parameters);
+    return parsed;
+}
+
+void clsPrevInstance::parseAndRaise(const QString &sCommand)
+{
+    const ParsedCommand parsed = ParseCommand(sCommand);
+    Q_EMIT PrevInstance(sCommand, m_ready, parsed.Files, parsed.Folders, parsed.Parameters);
 }
 
 } // namespace qb::host

@@ -37,6 +37,16 @@ public:
     // The rendezvous name: executable name, major and minor version, and the user.
     static QString RendezvousName();
 
+    // A request cut into what exists (files, and folders with a trailing "/") and the words of
+    // what does not.
+    struct ParsedCommand
+    {
+        QStringList Files;
+        QStringList Folders;
+        QStringList Parameters;
+    };
+    static ParsedCommand ParseCommand(const QString &sCommand);
+
     // Arguments as one text: each in double quotes, joined by blanks, so that the split at
     // quote-blank-quote gives them back.
     static QString JoinCommandLine(const QStringList &arguments);
