@@ -154,6 +154,30 @@ void Workbench::mnuAdd(int Index)
     WriteSetting(u"LastOpenFileFolder", GetPathPart(firstText, u"/"_s, 0));
 }
 
+void Workbench::cPrevInstance_PrevInstance(
+    const QString &, bool bReady, const QStringList &Files, const QStringList &Folders, const QStringList &)
+{
+    if (!bReady)
+        return;
+    if (restoreWindow)
+        restoreWindow();
+    // Words that are no paths are ignored.
+    for (const QStringList *items : {&Files, &Folders}) {
+        if (items->isEmpty())
+            continue;
+        if (FileExists(m_cab.CabName())) {
+            if (m_dialogs.MsgBox(u"是否关闭已经打开的 CAB 文件包？"_s, kYesNo) != kAnswerYes)
+                return;
+            m_list.Clear();
+        }
+        for (const QString &item : *items) {
+            // A folder ends in its separator: its files are named relative to it.
+            mBasePath = AddBackslash(GetPathPart(item, u"/"_s, 0));
+            DropFile({}, item);
+        }
+    }
+}
+
 void Workbench::mnuDelete()
 {
     if (m_list.ItemIndex() >= 0)

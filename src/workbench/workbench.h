@@ -46,6 +46,13 @@ public:
     void mnuOpen();
     void mnuExtract();
 
+    // A request from the command line or another instance: files, then folders; other words
+    // are ignored.
+    void cPrevInstance_PrevInstance(const QString &sCommand, bool bReady, const QStringList &Files,
+        const QStringList &Folders, const QStringList &Parameters);
+    // Brings a minimised or maximised window back to its normal state; set by the window.
+    std::function<void()> restoreWindow;
+
     // The menu entries that a running job or add holds back, in their order.
     void SetMenusEnabled(bool flag);
 
