@@ -12,6 +12,8 @@ packages=(
   libwim-dev
   # outside oracles called by the tests
   cabextract 7zip gcab ffmpeg
+  # the desktop program's end-to-end test: a virtual X display, typed keys
+  xvfb xauth xdotool
   # the user interface is Chinese
   fonts-wqy-microhei
 )

@@ -7,8 +7,4 @@ scripts/install-deps.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
 cmake --build build -j"${QB_JOBS:-2}" >&2
 
-# The desktop program when it has been built; until then the command-line front.
-if [ -x build/bin/quillbox-desk ]; then
-  exec build/bin/quillbox-desk "$@"
-fi
-exec build/bin/quillbox "$@"
+exec build/bin/quillbox-desk "$@"

@@ -30,6 +30,12 @@ public:
     virtual ~UserDialogs() = default;
     // A message box titled with the program's title; flags as above. Returns the answer.
     virtual int MsgBox(const QString &Prompt, int Buttons) = 0;
+    // The same under a title of its own (the about box); without one of its own it is a MsgBox.
+    virtual int MsgBoxTitled(const QString &Prompt, int Buttons, const QString &Title)
+    {
+        static_cast<void>(Title);
+        return MsgBox(Prompt, Buttons);
+    }
     // filter: a pattern such as "*.cab"; several: more than one file may be chosen.
     virtual ChosenFiles GetOpenFiles(const QString &filter, const QString &initialFolder, bool several) = 0;
     // The file to save to, starting from proposed; "" on cancel. No question about overwriting.
