@@ -7,6 +7,8 @@
 #include "workbench/workbench_doubles.h"
 
 #include <QAction>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QMenu>
 #include <QMimeData>
 #include <QScreen>
@@ -113,6 +115,25 @@ TEST_F(MainWindowTest, DropsAddRowsAndAskWhenACabinetIsOpen)
     dialogs.answers.push_back(kAnswerYes);
     window->DropPaths({a});
     EXPECT_EQ(window->ctlListView1->Count(), 1);
+}
+
+TEST_F(MainWindowTest, DropEventsFromAFileManager)
+{
+    const QString a = tree.writeFile(u"drop/a.txt"_s, "a");
+    const QString b = tree.writeFile(u"drop/sub/b.txt"_s, "b");
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(a), QUrl::fromLocalFile(tree.path(u"drop/sub"_s)),
+        QUrl(u"https://example.org/x"_s)});
+    QDragEnterEvent enter(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(20, 20), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.get(), &drop);
+    // The first item's folder is the base: the file has no folder, the dropped folder keeps its name.
+    ASSERT_EQ(window->ctlListView1->Count(), 2);
+    EXPECT_EQ(window->ctlListView1->ItemText(0, 1) + window->ctlListView1->ItemText(0, 0), u"a.txt"_s);
+    EXPECT_EQ(window->ctlListView1->ItemText(1, 1) + window->ctlListView1->ItemText(1, 0), u"sub\\b.txt"_s);
+    EXPECT_EQ(window->ctlListView1->ItemText(1, 5), b);
 }
 
 TEST_F(MainWindowTest, MenusFollowTheBuildAndTheCloseGuardHolds)
