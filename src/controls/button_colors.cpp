@@ -308,7 +308,7 @@ bool ThemeBaseColor(int theme, ButtonColor &base)
         return true;
     }
     if (theme == kRandomTheme) {
-        QRandomGenerator random(quint32(QDateTime::currentMSecsSinceEpoch()));
+        QRandomGenerator random {quint32(QDateTime::currentMSecsSinceEpoch())};
         base = ButtonColor(random.generateDouble() * 16777215.0);
         return true;
     }
