@@ -122,7 +122,7 @@ TEST_F(StateTable, EveryRowOfTheTable)
 TEST_F(StateTable, CancellingAndAnErrorInTheMiddleOfABuild)
 {
     QByteArray data;
-    for (int i = 0; data.size() < 16 * 1024 * 1024; ++i)
+    for (qint64 i = 0; data.size() < 16 * 1024 * 1024; ++i)
         data += QByteArray::number(i * 7919) + ' ';
     tree.writeFile(u"big/data.txt"_s, data);
     WriteSetting(u"CompressionType", u"2"_s);
