@@ -1,6 +1,8 @@
 // Colour conversion, the shift and blend rules, and the derivation tables of the multi-mode control.
 #include "controls/button_colors.h"
 
+#include "controls/small_int_set.h"
+
 #include <QDateTime>
 #include <QGuiApplication>
 #include <QPalette>
@@ -123,22 +125,8 @@ constexpr std::array<ShiftOverride, 2> kContrastFamily {{
     {&P::BorderColor, -0.35},
 }};
 
-// A set of styles (0 to 31) as bits.
-constexpr quint32 styles(std::initializer_list<int> list)
-{
-    quint32 mask = 0;
-    for (const int style : list)
-        mask |= 1u << style;
-    return mask;
-}
-
-constexpr bool inSet(int style, quint32 set)
-{
-    return style >= 0 && style < 32 && (set >> style) & 1u;
-}
-
-constexpr quint32 kFlatStyles = styles({0, 10, 18, 25, 26});
-constexpr quint32 kContrastStyles = styles({5, 7, 20, 23});
+constexpr quint32 kFlatStyles = SmallIntSet({0, 10, 18, 25, 26});
+constexpr quint32 kContrastStyles = SmallIntSet({5, 7, 20, 23});
 
 void derive(ButtonProperties &p, std::span<const Derivation> table, std::span<const ShiftOverride> overrides)
 {
@@ -162,23 +150,23 @@ struct StyleColors
 };
 
 const StyleColors kStyleColors[] = {
-    {styles({0, 10, 18, 25, 26}), false, kSystemButtonText, 0xE6E6E6},
-    {styles({5}), true, 0xFFFFFF, 0x776455},
-    {styles({7}), true, 0xFFFFFF, 0x101010},
-    {styles({20, 23}), true, kSystemButtonText, 0xFFFFFF},
-    {styles({27}), false, 0xFFFFFF, 0x202020},
-    {styles({1}), true, kSystemButtonText, 0xE7EBEC},
-    {styles({2}), true, kSystemButtonText, 0xDBEEF3},
-    {styles({3}), true, kSystemButtonText, 0xF0DEDF},
-    {styles({4}), true, kSystemButtonText, 0xEBDCD0},
-    {styles({6}), true, kSystemButtonText, 0xAF9E9F},
-    {styles({8}), true, kSystemButtonText, 0xE6E6E6},
-    {styles({9}), true, kSystemButtonText, 0xF8ECD0},
-    {styles({11, 16, 21}), true, kSystemButtonText, 0xE1D6D5},
-    {styles({12}), true, kSystemButtonText, 0xC0C0C0},
-    {styles({13, 19, 22}), true, kSystemButtonText, 0xE0E0E0},
-    {styles({14}), true, kSystemButtonText, 0x999999},
-    {styles({17}), true, kSystemButtonText, 0xE5B793},
+    {SmallIntSet({0, 10, 18, 25, 26}), false, kSystemButtonText, 0xE6E6E6},
+    {SmallIntSet({5}), true, 0xFFFFFF, 0x776455},
+    {SmallIntSet({7}), true, 0xFFFFFF, 0x101010},
+    {SmallIntSet({20, 23}), true, kSystemButtonText, 0xFFFFFF},
+    {SmallIntSet({27}), false, 0xFFFFFF, 0x202020},
+    {SmallIntSet({1}), true, kSystemButtonText, 0xE7EBEC},
+    {SmallIntSet({2}), true, kSystemButtonText, 0xDBEEF3},
+    {SmallIntSet({3}), true, kSystemButtonText, 0xF0DEDF},
+    {SmallIntSet({4}), true, kSystemButtonText, 0xEBDCD0},
+    {SmallIntSet({6}), true, kSystemButtonText, 0xAF9E9F},
+    {SmallIntSet({8}), true, kSystemButtonText, 0xE6E6E6},
+    {SmallIntSet({9}), true, kSystemButtonText, 0xF8ECD0},
+    {SmallIntSet({11, 16, 21}), true, kSystemButtonText, 0xE1D6D5},
+    {SmallIntSet({12}), true, kSystemButtonText, 0xC0C0C0},
+    {SmallIntSet({13, 19, 22}), true, kSystemButtonText, 0xE0E0E0},
+    {SmallIntSet({14}), true, kSystemButtonText, 0x999999},
+    {SmallIntSet({17}), true, kSystemButtonText, 0xE5B793},
 };
 const StyleColors kOtherStyles {0, true, kSystemButtonText, kDefaultBackColor}; // 15, 24 and the rest
 
@@ -273,9 +261,9 @@ bool ApplyBackColor(ButtonProperties &p, ButtonColor color)
     p.BackColor = color;
     if (p.Style == 27)
         derive(p, kStyle27, {});
-    else if (inSet(p.Style, kFlatStyles))
+    else if (InSmallIntSet(p.Style, kFlatStyles))
         derive(p, kGeneral, kFlatFamily);
-    else if (inSet(p.Style, kContrastStyles))
+    else if (InSmallIntSet(p.Style, kContrastStyles))
         derive(p, kGeneral, kContrastFamily);
     else
         derive(p, kGeneral, {});
@@ -288,7 +276,7 @@ void ApplyStyle(ButtonProperties &p, int style)
     p.ShowBorder = style == 27 ? 0 : 1;
     const StyleColors *look = &kOtherStyles;
     for (const StyleColors &row : kStyleColors) {
-        if (inSet(style, row.styles)) {
+        if (InSmallIntSet(style, row.styles)) {
             look = &row;
             break;
         }

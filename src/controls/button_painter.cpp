@@ -2,6 +2,8 @@
 // inner line, outline, focus, icon, title and caption, and the browse symbol.
 #include "controls/button_painter.h"
 
+#include "controls/small_int_set.h"
+
 #include "controls/button_colors.h"
 #include "controls/button_looks.h"
 
@@ -23,23 +25,10 @@ namespace qb::controls {
 
 namespace {
 
-constexpr quint32 valueSet(std::initializer_list<int> list)
-{
-    quint32 mask = 0;
-    for (const int v : list)
-        mask |= 1u << v;
-    return mask;
-}
-
-constexpr bool inSet(int value, quint32 set)
-{
-    return value >= 0 && value < 32 && (set >> value) & 1u;
-}
-
 // The ShowBorder values that square each corner of the region: top left, top right, bottom left,
 // bottom right.
-constexpr std::array<quint32, 4> kSquaredCorners {
-    valueSet({2, 3, 6, 7, 8}), valueSet({3, 4, 6, 7, 8}), valueSet({2, 5, 6, 7}), valueSet({4, 5, 6, 7})};
+constexpr std::array<quint32, 4> kSquaredCorners {SmallIntSet({2, 3, 6, 7, 8}), SmallIntSet({3, 4, 6, 7, 8}),
+    SmallIntSet({2, 5, 6, 7}), SmallIntSet({4, 5, 6, 7})};
 
 constexpr int kLeft = 1;
 constexpr int kTop = 2;
@@ -90,7 +79,7 @@ StateColors colorsOf(const ButtonProperties &p, int index)
 
 bool cornerSquared(int corner, int ShowBorder)
 {
-    return ShowBorder != 1 && inSet(ShowBorder, kSquaredCorners[size_t(corner)]);
+    return ShowBorder != 1 && InSmallIntSet(ShowBorder, kSquaredCorners[size_t(corner)]);
 }
 
 // Reads a pixel of the image in the control's own coordinates.
