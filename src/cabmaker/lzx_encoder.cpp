@@ -3,7 +3,7 @@
 #include "cabmaker/lzx_encoder.h"
 
 #include "cabmaker/huffman_code.h"
-#include "cabmaker/lzx_match_finder.h"
+#include "cabmaker/match_finder.h"
 #include "cabmaker/lzx_stream_writer.h"
 #include "util/cab_format.h"
 
@@ -222,6 +222,7 @@ private:
         else
             m_finder.rebase(drop, keep);
         m_inserted -= std::min(m_inserted, drop);
+        m_treeInserted -= std::min(m_treeInserted, drop);
         for (int32_t &last : m_lastPair)
             last = last >= int32_t(drop) ? last - int32_t(drop) : -1;
         m_size = keep;
@@ -356,8 +357,18 @@ private:
             const uint32_t maxLength = std::min<uint32_t>(kMaxMatch, end - pos);
             // The tree compares as far as the data goes; matches are cut at the frame's end.
             const uint32_t available = std::min<uint32_t>(kMaxMatch, m_size - pos);
-            const int count = m_tree.findAndInsert(
-                m_buffer.data(), pos, available, m_params.nice, maxDistance(pos), m_params.depth, list);
+            // Positions without `nice` bytes after them are only searched until the next chunk
+            // brings those bytes; the tree's order needs them (see TreeMatchFinder).
+            indexTreeUpTo(pos, list);
+            int count = 0;
+            if (m_treeInserted == pos && available >= m_params.nice) {
+                count = m_tree.findAndInsert(
+                    m_buffer.data(), pos, available, m_params.nice, maxDistance(pos), m_params.depth, list);
+                ++m_treeInserted;
+            } else {
+                count = m_tree.find(
+                    m_buffer.data(), pos, available, m_params.nice, maxDistance(pos), m_params.depth, list);
+            }
             int kept = 0;
             for (int k = 0; k < count; ++k) {
                 const uint32_t length = std::min(list[k].length, maxLength);
@@ -377,6 +388,15 @@ private:
                 slots[used++] = list[k];
         }
         out.index[n] = used;
+    }
+
+    // Inserts the positions before `end` that were left out for lack of data after them.
+    void indexTreeUpTo(uint32_t end, Match *scratch)
+    {
+        for (; m_treeInserted < end && m_size - m_treeInserted >= m_params.nice; ++m_treeInserted)
+            m_tree.findAndInsert(m_buffer.data(), m_treeInserted,
+                std::min<uint32_t>(kMaxMatch, m_size - m_treeInserted), m_params.nice,
+                maxDistance(m_treeInserted), m_params.depth, scratch);
     }
 
     // Near-optimal parsing of one frame: the cheapest path by the cost model, passes times,
@@ -617,6 +637,7 @@ private:
     uint32_t m_size = 0;
     uint64_t m_bufferStart = 0;
     uint32_t m_inserted = 0;
+    uint32_t m_treeInserted = 0; // positions before this are in the tree
     MatchFinder m_finder; // lazy levels
     TreeMatchFinder m_tree; // near-optimal levels
     StreamWriter m_writer;

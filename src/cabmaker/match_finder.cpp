@@ -1,10 +1,10 @@
-// Hash chain match finding for the LZX encoder.
-#include "cabmaker/lzx_match_finder.h"
+// Hash chain and binary tree match finding for the LZ encoders.
+#include "cabmaker/match_finder.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace qb::cabmaker::lzx {
+namespace qb::cabmaker {
 
 MatchFinder::MatchFinder(size_t capacity, int hashBits)
     : m_hashBits(hashBits)
@@ -112,6 +112,40 @@ int TreeMatchFinder::findAndInsert(const uint8_t *buffer, uint32_t pos, uint32_t
     return found;
 }
 
+int TreeMatchFinder::find(const uint8_t *buffer, uint32_t pos, uint32_t maxLength, uint32_t nice,
+    uint32_t maxDistance, int depth, Match *list) const
+{
+    const uint32_t limit = std::min(maxLength, nice);
+    if (limit < 3)
+        return 0;
+    const uint8_t *here = buffer + pos;
+    int32_t candidate = m_head[hash(here)];
+    uint32_t smallerLength = 0;
+    uint32_t greaterLength = 0;
+    uint32_t best = 2;
+    int found = 0;
+    while (candidate >= 0 && depth-- > 0 && pos - uint32_t(candidate) <= maxDistance) {
+        const uint8_t *there = buffer + candidate;
+        uint32_t length = std::min(smallerLength, greaterLength);
+        length += MatchLength(here + length, there + length, limit - length);
+        if (length > best) {
+            best = length;
+            list[found++] = {length, pos - uint32_t(candidate)};
+        }
+        if (length >= limit)
+            break;
+        const int32_t *children = &m_children[size_t(candidate) * 2];
+        if (there[length] < here[length]) {
+            candidate = children[1];
+            smallerLength = length;
+        } else {
+            candidate = children[0];
+            greaterLength = length;
+        }
+    }
+    return found;
+}
+
 void TreeMatchFinder::rebase(uint32_t shift, uint32_t newSize)
 {
     auto move = [shift](int32_t v) { return v >= int32_t(shift) ? v - int32_t(shift) : -1; };
@@ -124,4 +158,10 @@ void TreeMatchFinder::rebase(uint32_t shift, uint32_t newSize)
     std::fill(m_children.begin() + std::ptrdiff_t(newSize) * 2, m_children.end(), -1);
 }
 
-} // namespace qb::cabmaker::lzx
+void TreeMatchFinder::clear()
+{
+    std::fill(m_head.begin(), m_head.end(), -1);
+    std::fill(m_children.begin(), m_children.end(), -1);
+}
+
+} // namespace qb::cabmaker

@@ -1,11 +1,11 @@
-// Hash chains over the encoder's sliding buffer: the longest earlier match at a position.
+// Match finding over an encoder's sliding buffer: hash chains and binary trees.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-namespace qb::cabmaker::lzx {
+namespace qb::cabmaker {
 
 // The bucket of the three bytes at p in a table of 2^bits heads.
 inline uint32_t Hash3(const uint8_t *p, int bits)
@@ -64,10 +64,20 @@ public:
     // Reports matches at pos (length rising, each with the nearest distance found for it) into
     // list and inserts pos. maxLength bounds the match; nice stops the walk at that length.
     // Returns the number of matches. pos needs 3 readable bytes.
+    // Every node must be inserted with the same nice and with at least nice bytes after it:
+    // a node compared over fewer bytes leaves the tree's order wrong beyond them, and later
+    // searches would report matches longer than they are. Positions nearer the end of the
+    // data use find() until more data arrives.
     int findAndInsert(const uint8_t *buffer, uint32_t pos, uint32_t maxLength, uint32_t nice,
         uint32_t maxDistance, int depth, Match *list);
 
+    // The same search without inserting pos.
+    int find(const uint8_t *buffer, uint32_t pos, uint32_t maxLength, uint32_t nice, uint32_t maxDistance,
+        int depth, Match *list) const;
+
     void rebase(uint32_t shift, uint32_t newSize);
+    // Forgets every position.
+    void clear();
     size_t memoryBytes() const { return (m_head.size() + m_children.size()) * sizeof(int32_t); }
 
 private:
@@ -97,4 +107,4 @@ inline uint32_t MatchLength(const uint8_t *a, const uint8_t *b, uint32_t limit)
     return n;
 }
 
-} // namespace qb::cabmaker::lzx
+} // namespace qb::cabmaker
