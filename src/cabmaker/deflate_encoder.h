@@ -12,9 +12,12 @@ namespace qb::cabmaker {
 
 struct DeflateOptions
 {
-    int depth = 24; // tree nodes visited per search
-    uint32_t nice = 128; // a match this long is taken as it is, without looking inside it
-    int passes = 2; // parses per block, each priced with the code lengths the one before chose
+    int depth = 12; // tree nodes visited per search
+    uint32_t nice = 128; // the tree compares this far (longer matches are measured directly)
+    uint32_t hop = 48; // a match this long is taken whole, without searching inside it
+    // Parses per block, the first priced with the code of the block before (or a greedy parse's
+    // statistics), each further one with the code the one before chose.
+    int passes = 1;
 };
 
 class DeflateEncoder

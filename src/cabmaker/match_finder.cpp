@@ -57,8 +57,9 @@ void MatchFinder::rebase(uint32_t shift, uint32_t newSize)
     std::fill(m_prev.begin() + newSize, m_prev.end(), -1);
 }
 
-TreeMatchFinder::TreeMatchFinder(size_t capacity, int hashBits)
+TreeMatchFinder::TreeMatchFinder(size_t capacity, int hashBits, int hashBytes)
     : m_hashBits(hashBits)
+    , m_hashBytes(hashBytes == 4 ? 4 : 3)
     , m_head(size_t(1) << hashBits, -1)
     , m_children(capacity * 2, -1)
 { }
@@ -67,7 +68,7 @@ int TreeMatchFinder::findAndInsert(const uint8_t *buffer, uint32_t pos, uint32_t
     uint32_t maxDistance, int depth, Match *list)
 {
     const uint32_t limit = std::min(maxLength, nice);
-    if (limit < 3)
+    if (limit < uint32_t(m_hashBytes))
         return 0; // too near the end to place in the tree; the position is simply not indexed
     const uint8_t *here = buffer + pos;
     int32_t &root = m_head[hash(here)];
@@ -116,7 +117,7 @@ int TreeMatchFinder::find(const uint8_t *buffer, uint32_t pos, uint32_t maxLengt
     uint32_t maxDistance, int depth, Match *list) const
 {
     const uint32_t limit = std::min(maxLength, nice);
-    if (limit < 3)
+    if (limit < uint32_t(m_hashBytes))
         return 0;
     const uint8_t *here = buffer + pos;
     int32_t candidate = m_head[hash(here)];

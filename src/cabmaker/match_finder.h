@@ -14,6 +14,14 @@ inline uint32_t Hash3(const uint8_t *p, int bits)
     return (v * 2654435761u) >> (32 - bits);
 }
 
+// The bucket of the four bytes at p.
+inline uint32_t Hash4(const uint8_t *p, int bits)
+{
+    uint32_t v;
+    __builtin_memcpy(&v, p, 4);
+    return (v * 2654435761u) >> (32 - bits);
+}
+
 struct Match
 {
     uint32_t length = 0;
@@ -59,7 +67,9 @@ private:
 class TreeMatchFinder
 {
 public:
-    TreeMatchFinder(size_t capacity, int hashBits);
+    // hashBytes: 3, or 4 to keep positions that share only three bytes out of one another's
+    // trees (the caller then finds three-byte matches itself).
+    TreeMatchFinder(size_t capacity, int hashBits, int hashBytes = 3);
 
     // Reports matches at pos (length rising, each with the nearest distance found for it) into
     // list and inserts pos. maxLength bounds the match; nice stops the walk at that length.
@@ -81,9 +91,13 @@ public:
     size_t memoryBytes() const { return (m_head.size() + m_children.size()) * sizeof(int32_t); }
 
 private:
-    uint32_t hash(const uint8_t *p) const { return Hash3(p, m_hashBits); }
+    uint32_t hash(const uint8_t *p) const
+    {
+        return m_hashBytes == 4 ? Hash4(p, m_hashBits) : Hash3(p, m_hashBits);
+    }
 
     int m_hashBits;
+    int m_hashBytes;
     std::vector<int32_t> m_head;
     std::vector<int32_t> m_children; // 2 per position: smaller, then greater
 };
