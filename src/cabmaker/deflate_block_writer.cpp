@@ -23,7 +23,8 @@ SymbolCounts::SymbolCounts(const std::vector<Step> &steps)
 
 BlockCode::BlockCode(const SymbolCounts &counts)
 {
-    BuildCodeLengths(counts.literalLength.data(), kLiteralLengthSymbols, kMaxCodeLength, literalLength.data());
+    BuildCodeLengths(
+        counts.literalLength.data(), kLiteralLengthSymbols, kMaxCodeLength, literalLength.data());
     BuildCodeLengths(counts.distance.data(), kDistanceSymbols, kMaxCodeLength, distance.data());
     // Without matches, two one-bit distance codes: a complete code that no decoder can refuse.
     if (std::all_of(distance.begin(), distance.end(), [](uint8_t l) { return l == 0; }))
@@ -226,7 +227,8 @@ void WriteFinalBlock(const std::vector<Step> &steps, const SymbolCounts &counts,
         const auto literalCodes = ReversedCodes(literalBits);
         const auto distanceCodes = ReversedCodes(distanceBits);
         sink.put(1 | 1u << 1, 3); // final, fixed codes
-        PutSteps(sink, steps, literalBits.data(), literalCodes.data(), distanceBits.data(), distanceCodes.data());
+        PutSteps(
+            sink, steps, literalBits.data(), literalCodes.data(), distanceBits.data(), distanceCodes.data());
     } else {
         sink.put(1 | 2u << 1, 3); // final, dynamic codes
         sink.put(uint32_t(header.literalCount - 257), 5);

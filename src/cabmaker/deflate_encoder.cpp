@@ -232,30 +232,41 @@ private:
     // long repeats are looked for, by a small hash of eight bytes, and the tree is left alone.
     void repeatsOnly(uint32_t start)
     {
-        constexpr int kBits = 12;
+        constexpr int kBits = 14;
         constexpr uint32_t kMinRepeat = 5;
-        std::array<int32_t, size_t(1) << kBits> recent;
-        recent.fill(-1);
+        std::vector<int32_t> &recent = m_recent8;
+        recent.assign(size_t(1) << kBits, -1);
         const uint8_t *buffer = m_buffer.data();
-        auto hash8 = [&](uint32_t pos) {
+        auto hash = [&](uint32_t pos) {
             uint64_t v;
             std::memcpy(&v, buffer + pos, 8);
-            return uint32_t(((v << 24) * 0x9E3779B97F4A7C15ull) >> (64 - kBits));
+            return uint32_t(((v << 24) * 0x9E3779B97F4A7C15ull) >> (64 - kBits)); // the first five bytes
         };
         const uint32_t end = m_size;
         for (uint32_t pos = start - std::min(start, kMaxReach); pos + 8 <= start; ++pos)
-            recent[hash8(pos)] = int32_t(pos);
+            recent[hash(pos)] = int32_t(pos);
         m_steps.clear();
+        uint32_t lastDistance = 0;
         for (uint32_t pos = start; pos < end;) {
+            const uint32_t room = std::min(kMaxMatch, end - pos);
+            // A repeat longer than one match goes on at the same distance.
+            if (lastDistance > 0 && room >= kMinRepeat) {
+                const uint32_t length = MatchLength(buffer + pos, buffer + pos - lastDistance, room);
+                if (length >= kMinRepeat) {
+                    m_steps.push_back({uint16_t(length), uint16_t(lastDistance)});
+                    pos += length;
+                    continue;
+                }
+            }
             if (pos + 8 <= end) {
-                int32_t &slot = recent[hash8(pos)];
+                int32_t &slot = recent[hash(pos)];
                 const int32_t candidate = slot;
                 slot = int32_t(pos);
                 if (candidate >= 0 && pos - uint32_t(candidate) <= kMaxReach) {
-                    const uint32_t length = MatchLength(
-                        buffer + pos, buffer + candidate, std::min(kMaxMatch, end - pos));
+                    const uint32_t length = MatchLength(buffer + pos, buffer + candidate, room);
                     if (length >= kMinRepeat) {
-                        m_steps.push_back({uint16_t(length), uint16_t(pos - uint32_t(candidate))});
+                        lastDistance = pos - uint32_t(candidate);
+                        m_steps.push_back({uint16_t(length), uint16_t(lastDistance)});
                         pos += length;
                         continue;
                     }
@@ -327,6 +338,7 @@ private:
     std::vector<uint8_t> m_buffer;
     TreeMatchFinder m_tree;
     std::vector<int32_t> m_recent3; // by three-byte hash, the newest position
+    std::vector<int32_t> m_recent8; // the quick path's table
     uint32_t m_size = 0;
     uint32_t m_inserted = 0;
     bool m_haveModel = false;

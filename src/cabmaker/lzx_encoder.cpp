@@ -3,8 +3,8 @@
 #include "cabmaker/lzx_encoder.h"
 
 #include "cabmaker/huffman_code.h"
-#include "cabmaker/match_finder.h"
 #include "cabmaker/lzx_stream_writer.h"
+#include "cabmaker/match_finder.h"
 #include "util/cab_format.h"
 
 #include <algorithm>

@@ -56,8 +56,8 @@ void MsZipEncoder::encode(const unsigned char *data, size_t size, bool last, std
         if (begin > 0)
             encoder.restart(data + (begin - 1) * blockSize, blockSize);
         else
-            encoder.restart(reinterpret_cast<const unsigned char *>(m_previous.constData()),
-                size_t(m_previous.size()));
+            encoder.restart(
+                reinterpret_cast<const unsigned char *>(m_previous.constData()), size_t(m_previous.size()));
         for (size_t i = begin; i < end; ++i) {
             const size_t length = std::min(blockSize, size - i * blockSize);
             EncodedBlock &encoded = out[first + i];

@@ -159,6 +159,22 @@ TEST_P(MakeCabOracle, MixedTreeExtractsByteForByte)
     verifyWithOracles(tree, cabinet, entries);
 }
 
+// Repeats that reach back exactly one block (32 KiB, the most a decoder keeps), in random data
+// and in text, and a block that copies the one before it from its very first byte.
+TEST_P(MakeCabOracle, RepeatsReachBackOneWholeBlock)
+{
+    TempTree tree;
+    const QByteArray noise = randomBytes(32768, 11);
+    const QByteArray text = textBytes(32768, 12);
+    const QList<Entry> entries {
+        {QStringLiteral("noise-three-times.bin"), noise + noise + noise},
+        {QStringLiteral("text-twice.txt"), text + text},
+        {QStringLiteral("shifted.bin"), noise.left(1000) + noise + text.left(5000) + noise},
+    };
+    const QString cabinet = buildCabinet(tree, entries, QString::fromLatin1(GetParam()));
+    verifyWithOracles(tree, cabinet, entries);
+}
+
 TEST_P(MakeCabOracle, DuplicateNamesGoInTwice)
 {
     TempTree tree;
