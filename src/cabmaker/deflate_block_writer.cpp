@@ -187,6 +187,15 @@ void PutSteps(BitSink &sink, const std::vector<Step> &steps, const uint8_t *lite
 
 } // namespace
 
+void WriteFinalStoredBlock(const uint8_t *data, size_t size, QByteArray &out)
+{
+    Q_ASSERT(size <= 0xFFFF);
+    const auto len = uint16_t(size);
+    const uint8_t head[5] = {0x01, uint8_t(len), uint8_t(len >> 8), uint8_t(~len), uint8_t(~len >> 8)};
+    out.append(reinterpret_cast<const char *>(head), 5);
+    out.append(reinterpret_cast<const char *>(data), qsizetype(size));
+}
+
 void WriteFinalBlock(const std::vector<Step> &steps, const SymbolCounts &counts, const BlockCode &code,
     const uint8_t *data, size_t size, QByteArray &out)
 {
@@ -208,10 +217,7 @@ void WriteFinalBlock(const std::vector<Step> &steps, const SymbolCounts &counts,
 
     const qsizetype start = out.size();
     if (storedBytes <= dynamicBytes && storedBytes <= fixedBytes) {
-        const auto len = uint16_t(size);
-        const uint8_t head[5] = {0x01, uint8_t(len), uint8_t(len >> 8), uint8_t(~len), uint8_t(~len >> 8)};
-        out.append(reinterpret_cast<const char *>(head), 5);
-        out.append(reinterpret_cast<const char *>(data), qsizetype(size));
+        WriteFinalStoredBlock(data, size, out);
         return;
     }
     // Four spare bytes: the sink stores whole words.

@@ -41,4 +41,7 @@ struct BlockCode
 void WriteFinalBlock(const std::vector<Step> &steps, const SymbolCounts &counts, const BlockCode &code,
     const uint8_t *data, size_t size, QByteArray &out);
 
+// Appends data[0, size) (at most 65,535 bytes) as a final stored block.
+void WriteFinalStoredBlock(const uint8_t *data, size_t size, QByteArray &out);
+
 } // namespace qb::cabmaker::deflate

@@ -106,6 +106,11 @@ public:
         indexUpTo(start);
         if (LooksIncompressible(block, size)) {
             repeatsOnly(start);
+            m_haveModel = false;
+            if (m_steps.size() == size) { // no repeat: nothing can beat the bytes as they are
+                WriteFinalStoredBlock(block, size, out);
+                return;
+            }
             const SymbolCounts counts(m_steps);
             WriteFinalBlock(m_steps, counts, BlockCode(counts), block, size, out);
             m_haveModel = false;
@@ -232,7 +237,7 @@ private:
     // long repeats are looked for, by a small hash of eight bytes, and the tree is left alone.
     void repeatsOnly(uint32_t start)
     {
-        constexpr int kBits = 14;
+        constexpr int kBits = 13;
         constexpr uint32_t kMinRepeat = 5;
         std::vector<int32_t> &recent = m_recent8;
         recent.assign(size_t(1) << kBits, -1);
@@ -243,7 +248,8 @@ private:
             return uint32_t(((v << 24) * 0x9E3779B97F4A7C15ull) >> (64 - kBits)); // the first five bytes
         };
         const uint32_t end = m_size;
-        for (uint32_t pos = start - std::min(start, kMaxReach); pos + 8 <= start; ++pos)
+        // Every fourth position of the history: a repeat of it is still caught within four bytes.
+        for (uint32_t pos = start - std::min(start, kMaxReach); pos + 8 <= start; pos += 4)
             recent[hash(pos)] = int32_t(pos);
         m_steps.clear();
         uint32_t lastDistance = 0;
