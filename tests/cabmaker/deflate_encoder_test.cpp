@@ -2,60 +2,19 @@
 #include "cabmaker/deflate_block_writer.h"
 #include "cabmaker/deflate_encoder.h"
 #include "cabmaker/match_finder.h"
+#include "sample_data.h"
 
 #include <QRandomGenerator>
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <cmath>
 
 using namespace qb::cabmaker;
+using qb::test::InflateRaw;
+using qb::test::RandomBytes;
+using qb::test::WordSoup;
 
 namespace {
-
-QByteArray inflateRaw(const QByteArray &stream, const QByteArray &history, qsizetype expected)
-{
-    z_stream z {};
-    EXPECT_EQ(inflateInit2(&z, -15), Z_OK);
-    if (!history.isEmpty()) {
-        EXPECT_EQ(inflateSetDictionary(
-                      &z, reinterpret_cast<const Bytef *>(history.constData()), uInt(history.size())),
-            Z_OK);
-    }
-    QByteArray out(expected + 64, '\0');
-    z.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(stream.constData()));
-    z.avail_in = uInt(stream.size());
-    z.next_out = reinterpret_cast<Bytef *>(out.data());
-    z.avail_out = uInt(out.size());
-    const int status = inflate(&z, Z_FINISH);
-    EXPECT_EQ(status, Z_STREAM_END) << (z.msg ? z.msg : "");
-    EXPECT_EQ(z.avail_in, 0u) << "bytes left behind the stream";
-    out.resize(out.size() - qsizetype(z.avail_out));
-    inflateEnd(&z);
-    return out;
-}
-
-QByteArray randomBytes(qsizetype size, quint32 seed)
-{
-    QRandomGenerator random(seed);
-    QByteArray bytes(size, '\0');
-    for (char &c : bytes)
-        c = char(random.bounded(256));
-    return bytes;
-}
-
-// Words drawn at random: many matches of every length and distance.
-QByteArray wordSoup(qsizetype size, quint32 seed)
-{
-    static const char *const words[] = {"cabinet ", "folder ", "data ", "block ", "the ", "of ", "and ", "\n",
-        "压缩 ", "文件 ", "42 ", "file "};
-    QRandomGenerator random(seed);
-    QByteArray bytes;
-    while (bytes.size() < size)
-        bytes += words[random.bounded(12)];
-    bytes.truncate(size);
-    return bytes;
-}
 
 // Compresses data block by block through one encoder and checks that every block inflates
 // with the block before it as history. Returns the compressed size.
@@ -71,7 +30,7 @@ qsizetype roundTrip(
         QByteArray stream;
         encoder.compress(reinterpret_cast<const uint8_t *>(block.constData()), size_t(block.size()), stream);
         EXPECT_LE(stream.size(), block.size() + 5) << "at " << at;
-        EXPECT_EQ(inflateRaw(stream, previous, block.size()), block) << "at " << at;
+        EXPECT_EQ(InflateRaw(stream, previous, block.size()), block) << "at " << at;
         total += stream.size();
         previous = block;
         if (data.isEmpty())
@@ -93,11 +52,11 @@ TEST(Deflate, RoundTripsThroughZlib)
         {"empty", QByteArray()},
         {"one byte", QByteArray("x")},
         {"zeros", QByteArray(100000, '\0')},
-        {"random", randomBytes(100000, 1)},
-        {"words", wordSoup(600000, 2)},
+        {"random", RandomBytes(100000, 1)},
+        {"words", WordSoup(600000, 2)},
         {"runs", runs},
-        {"half random half words", randomBytes(20000, 3) + wordSoup(20000, 4) + randomBytes(50000, 5)},
-        {"odd tail", wordSoup(3 * 32768 + 77, 6)},
+        {"half random half words", RandomBytes(20000, 3) + WordSoup(20000, 4) + RandomBytes(50000, 5)},
+        {"odd tail", WordSoup(3 * 32768 + 77, 6)},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -108,7 +67,7 @@ TEST(Deflate, RoundTripsThroughZlib)
 // Every setting, the extremes included, still writes streams that decode.
 TEST(Deflate, EverySettingDecodes)
 {
-    const QByteArray data = wordSoup(200000, 7) + randomBytes(40000, 8) + QByteArray(50000, 'z');
+    const QByteArray data = WordSoup(200000, 7) + RandomBytes(40000, 8) + QByteArray(50000, 'z');
     const DeflateOptions settings[] = {
         {1, 4, 3, 1}, {1, 258, 258, 1}, {64, 258, 258, 3}, {12, 128, 48, 2},
         {0, 0, 0, 0}, // clamped into range
@@ -125,13 +84,13 @@ TEST(Deflate, EverySettingDecodes)
 TEST(Deflate, BlockEndsKeepTheTreeInOrder)
 {
     for (quint32 seed = 10; seed < 14; ++seed)
-        roundTrip(wordSoup(40 * 32768, seed));
+        roundTrip(WordSoup(40 * 32768, seed));
 }
 
 TEST(Deflate, HistoryReachesTheWholeWindow)
 {
     // The block is the history again: every match reaches back exactly 32 KiB.
-    const QByteArray history = randomBytes(32768, 20);
+    const QByteArray history = RandomBytes(32768, 20);
     const qsizetype size = roundTrip(history, {}, history);
     EXPECT_LT(size, 400);
     // Without the history the same block stays as it is.
@@ -141,9 +100,9 @@ TEST(Deflate, HistoryReachesTheWholeWindow)
 TEST(Deflate, RandomDataKeepsItsLongRepeats)
 {
     // Random data takes the quick path, which still finds a repeat within the window.
-    const QByteArray half = randomBytes(16384, 30);
+    const QByteArray half = RandomBytes(16384, 30);
     EXPECT_LT(roundTrip(half + half), 16384 + 300); // the literals cost a little over 8 bits each
-    EXPECT_EQ(roundTrip(randomBytes(32768, 31)), 32768 + 5); // stored
+    EXPECT_EQ(roundTrip(RandomBytes(32768, 31)), 32768 + 5); // stored
 }
 
 TEST(Deflate, PicksTheShortestBlockType)
@@ -153,12 +112,12 @@ TEST(Deflate, PicksTheShortestBlockType)
         encoder.restart(nullptr, 0);
         QByteArray stream;
         encoder.compress(reinterpret_cast<const uint8_t *>(block.constData()), size_t(block.size()), stream);
-        EXPECT_EQ(inflateRaw(stream, {}, block.size()), block);
+        EXPECT_EQ(InflateRaw(stream, {}, block.size()), block);
         return uint8_t(stream.at(0)) & 7; // final bit, then the type
     };
     EXPECT_EQ(firstByte("hello"), 1 | 1 << 1); // fixed codes
-    EXPECT_EQ(firstByte(wordSoup(32768, 40)), 1 | 2 << 1); // dynamic codes
-    EXPECT_EQ(firstByte(randomBytes(32768, 41)), 1); // stored
+    EXPECT_EQ(firstByte(WordSoup(32768, 40)), 1 | 2 << 1); // dynamic codes
+    EXPECT_EQ(firstByte(RandomBytes(32768, 41)), 1); // stored
 }
 
 TEST(Deflate, CodesAreCompleteEvenWithoutMatches)

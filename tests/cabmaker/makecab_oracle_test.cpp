@@ -2,6 +2,7 @@
 // test and extract them, byte for byte.
 #include "cabmaker/makecab_command.h"
 
+#include "sample_data.h"
 #include "support/temp_tree.h"
 #include "support/tool_run.h"
 
@@ -16,8 +17,10 @@ using qb::test::TempTree;
 
 namespace {
 
+using qb::test::RandomBytes;
 using qb::test::runTool;
 using qb::test::ToolRun;
+using qb::test::WordSoup;
 
 struct MakeCabRun
 {
@@ -39,29 +42,6 @@ MakeCabRun makecab(const QStringList &args, const QString &folder)
     run.out = out;
     run.err = err;
     return run;
-}
-
-QByteArray textBytes(qsizetype size, quint32 seed)
-{
-    static const char *const words[] = {"cabinet ", "folder ", "data ", "block ", "the ", "of ", "and ", "\n",
-        "压缩 ", "文件 ", "42 ", "file "};
-    QRandomGenerator random(seed);
-    QByteArray bytes;
-    while (bytes.size() < size)
-        bytes += words[random.bounded(12)];
-    bytes.truncate(size);
-    return bytes;
-}
-
-QByteArray randomBytes(qsizetype size, quint32 seed)
-{
-    QRandomGenerator random(seed);
-    QByteArray bytes(size, '\0');
-    for (qsizetype i = 0; i + 4 <= size; i += 4) {
-        const quint32 v = random.generate();
-        memcpy(bytes.data() + i, &v, 4);
-    }
-    return bytes;
 }
 
 // A directive line for one file: source and name quoted, quotes inside doubled.
@@ -147,12 +127,12 @@ TEST_P(MakeCabOracle, MixedTreeExtractsByteForByte)
     TempTree tree;
     QList<Entry> entries {
         {QStringLiteral("empty.txt"), {}},
-        {QStringLiteral("docs\\read me.txt"), textBytes(70000, 1)},
-        {QStringLiteral("docs\\深层\\中文 名字.txt"), textBytes(5000, 2)},
-        {QStringLiteral("quote \"marks\".txt"), textBytes(100, 3)},
-        {QStringLiteral("random.bin"), randomBytes(100000, 4)},
-        {QStringLiteral("a\\b\\c\\d\\nested.dat"), textBytes(32768, 5)},
-        {QStringLiteral("exact-two-blocks.dat"), textBytes(65536, 6)},
+        {QStringLiteral("docs\\read me.txt"), WordSoup(70000, 1)},
+        {QStringLiteral("docs\\深层\\中文 名字.txt"), WordSoup(5000, 2)},
+        {QStringLiteral("quote \"marks\".txt"), WordSoup(100, 3)},
+        {QStringLiteral("random.bin"), RandomBytes(100000, 4)},
+        {QStringLiteral("a\\b\\c\\d\\nested.dat"), WordSoup(32768, 5)},
+        {QStringLiteral("exact-two-blocks.dat"), WordSoup(65536, 6)},
         {QStringLiteral("another-empty"), {}},
     };
     const QString cabinet = buildCabinet(tree, entries, QString::fromLatin1(GetParam()));
@@ -164,8 +144,8 @@ TEST_P(MakeCabOracle, MixedTreeExtractsByteForByte)
 TEST_P(MakeCabOracle, RepeatsReachBackOneWholeBlock)
 {
     TempTree tree;
-    const QByteArray noise = randomBytes(32768, 11);
-    const QByteArray text = textBytes(32768, 12);
+    const QByteArray noise = RandomBytes(32768, 11);
+    const QByteArray text = WordSoup(32768, 12);
     const QList<Entry> entries {
         {QStringLiteral("noise-three-times.bin"), noise + noise + noise},
         {QStringLiteral("text-twice.txt"), text + text},
@@ -191,7 +171,7 @@ TEST_P(MakeCabOracle, TenThousandSmallFiles)
     TempTree tree;
     QList<Entry> entries;
     for (int i = 0; i < 10000; ++i)
-        entries.append({QStringLiteral("d%1\\f%2.txt").arg(i / 100).arg(i), textBytes(i % 700, quint32(i))});
+        entries.append({QStringLiteral("d%1\\f%2.txt").arg(i / 100).arg(i), WordSoup(i % 700, quint32(i))});
     const QString cabinet = buildCabinet(tree, entries, QString::fromLatin1(GetParam()));
     verifyWithOracles(tree, cabinet, entries);
 }
@@ -199,8 +179,8 @@ TEST_P(MakeCabOracle, TenThousandSmallFiles)
 TEST_P(MakeCabOracle, OneHundredMegabyteFile)
 {
     TempTree tree;
-    QByteArray big = textBytes(60 * 1024 * 1024, 9);
-    big += randomBytes(40 * 1024 * 1024, 10);
+    QByteArray big = WordSoup(60 * 1024 * 1024, 9);
+    big += RandomBytes(40 * 1024 * 1024, 10);
     const QList<Entry> entries {{QStringLiteral("big.bin"), big}, {QStringLiteral("after.txt"), "tail"}};
     const QString cabinet = buildCabinet(tree, entries, QString::fromLatin1(GetParam()));
     verifyWithOracles(tree, cabinet, entries);

@@ -1,11 +1,11 @@
 // MSZIP blocks: each inflates back to its bytes, with the previous block as history.
 #include "cabmaker/mszip_encoder.h"
 
+#include "sample_data.h"
 #include "util/cab_format.h"
 
 #include <QRandomGenerator>
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 using namespace qb::cabmaker;
 
@@ -14,33 +14,7 @@ namespace {
 // Inflates one block's deflate stream (after "CK") with the given history.
 QByteArray inflateBlock(const QByteArray &block, const QByteArray &history, size_t expected)
 {
-    z_stream stream {};
-    EXPECT_EQ(inflateInit2(&stream, -15), Z_OK);
-    if (!history.isEmpty()) {
-        EXPECT_EQ(inflateSetDictionary(
-                      &stream, reinterpret_cast<const Bytef *>(history.constData()), uInt(history.size())),
-            Z_OK);
-    }
-    QByteArray out(qsizetype(expected) + 16, '\0');
-    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(block.constData() + 2));
-    stream.avail_in = uInt(block.size() - 2);
-    stream.next_out = reinterpret_cast<Bytef *>(out.data());
-    stream.avail_out = uInt(out.size());
-    const int status = inflate(&stream, Z_FINISH);
-    EXPECT_EQ(status, Z_STREAM_END) << (stream.msg ? stream.msg : "");
-    EXPECT_EQ(stream.avail_in, 0u) << "bytes left behind the stream";
-    out.resize(qsizetype(out.size() - stream.avail_out));
-    inflateEnd(&stream);
-    return out;
-}
-
-QByteArray randomBytes(qsizetype size, quint32 seed)
-{
-    QRandomGenerator random(seed);
-    QByteArray bytes(size, '\0');
-    for (char &c : bytes)
-        c = char(random.bounded(256));
-    return bytes;
+    return qb::test::InflateRaw(block.mid(2), history, qsizetype(expected));
 }
 
 TEST(MsZip, BlocksInflateWithTheirHistory)
@@ -73,7 +47,7 @@ TEST(MsZip, BlocksInflateWithTheirHistory)
 TEST(MsZip, HistoryMakesRepeatsCheaper)
 {
     // The block repeats the history's second half twice: within deflate's reach only with history.
-    const QByteArray history = randomBytes(32768, 7);
+    const QByteArray history = qb::test::RandomBytes(32768, 7);
     const QByteArray block = history.mid(16384) + history.mid(16384);
     const auto *p = reinterpret_cast<const unsigned char *>(block.constData());
     const auto *h = reinterpret_cast<const unsigned char *>(history.constData());
@@ -87,7 +61,7 @@ TEST(MsZip, HistoryMakesRepeatsCheaper)
 TEST(MsZip, IncompressibleDataStaysWithinTheLimit)
 {
     for (quint32 seed = 1; seed <= 4; ++seed) {
-        const QByteArray block = randomBytes(32768, seed);
+        const QByteArray block = qb::test::RandomBytes(32768, seed);
         const QByteArray encoded = CompressMsZipBlock(
             reinterpret_cast<const unsigned char *>(block.constData()), 32768, nullptr, 0);
         EXPECT_LE(size_t(encoded.size()), qb::cab::kMaxMsZipBlock);
