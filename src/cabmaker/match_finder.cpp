@@ -64,19 +64,19 @@ TreeMatchFinder::TreeMatchFinder(size_t capacity, int hashBits, int hashBytes)
     , m_children(capacity * 2, -1)
 { }
 
-int TreeMatchFinder::findAndInsert(const uint8_t *buffer, uint32_t pos, uint32_t maxLength, uint32_t nice,
-    uint32_t maxDistance, int depth, Match *list)
+namespace {
+
+// One walk down a tree from candidate, reporting every longer match into list. With kInsert the
+// walk also re-hangs the nodes it passes under pos, which becomes the root (children is then
+// writable); without it the tree is only read.
+template<bool kInsert, typename Node>
+int WalkTree(const uint8_t *buffer, uint32_t pos, uint32_t limit, uint32_t maxDistance, int depth,
+    int32_t candidate, Node *children, Match *list)
 {
-    const uint32_t limit = std::min(maxLength, nice);
-    if (limit < uint32_t(m_hashBytes))
-        return 0; // too near the end to place in the tree; the position is simply not indexed
     const uint8_t *here = buffer + pos;
-    int32_t &root = m_head[hash(here)];
-    int32_t candidate = root;
-    root = int32_t(pos);
     // Where the next smaller and the next greater node hang: first the new node's own children.
-    int32_t *smaller = &m_children[size_t(pos) * 2];
-    int32_t *greater = &m_children[size_t(pos) * 2 + 1];
+    [[maybe_unused]] Node *smaller = &children[size_t(pos) * 2];
+    [[maybe_unused]] Node *greater = &children[size_t(pos) * 2 + 1];
     uint32_t smallerLength = 0; // bytes known equal with everything under `smaller`
     uint32_t greaterLength = 0;
     uint32_t best = 2;
@@ -89,28 +89,50 @@ int TreeMatchFinder::findAndInsert(const uint8_t *buffer, uint32_t pos, uint32_t
             best = length;
             list[found++] = {length, pos - uint32_t(candidate)};
         }
-        int32_t *children = &m_children[size_t(candidate) * 2];
+        Node *node = &children[size_t(candidate) * 2];
         if (length >= limit) {
-            // As long as the new node's bytes reach: its place in the tree is the candidate's.
-            *smaller = children[0];
-            *greater = children[1];
+            if constexpr (kInsert) {
+                // As long as the new node's bytes reach: its place in the tree is the candidate's.
+                *smaller = node[0];
+                *greater = node[1];
+            }
             return found;
         }
         if (there[length] < here[length]) {
-            *smaller = candidate;
-            smaller = &children[1];
-            candidate = children[1];
+            if constexpr (kInsert) {
+                *smaller = candidate;
+                smaller = &node[1];
+            }
+            candidate = node[1];
             smallerLength = length;
         } else {
-            *greater = candidate;
-            greater = &children[0];
-            candidate = children[0];
+            if constexpr (kInsert) {
+                *greater = candidate;
+                greater = &node[0];
+            }
+            candidate = node[0];
             greaterLength = length;
         }
     }
-    *smaller = -1;
-    *greater = -1;
+    if constexpr (kInsert) {
+        *smaller = -1;
+        *greater = -1;
+    }
     return found;
+}
+
+} // namespace
+
+int TreeMatchFinder::findAndInsert(const uint8_t *buffer, uint32_t pos, uint32_t maxLength, uint32_t nice,
+    uint32_t maxDistance, int depth, Match *list)
+{
+    const uint32_t limit = std::min(maxLength, nice);
+    if (limit < uint32_t(m_hashBytes))
+        return 0; // too near the end to place in the tree; the position is simply not indexed
+    int32_t &root = m_head[hash(buffer + pos)];
+    const int32_t candidate = root;
+    root = int32_t(pos);
+    return WalkTree<true>(buffer, pos, limit, maxDistance, depth, candidate, m_children.data(), list);
 }
 
 int TreeMatchFinder::find(const uint8_t *buffer, uint32_t pos, uint32_t maxLength, uint32_t nice,
@@ -119,32 +141,8 @@ int TreeMatchFinder::find(const uint8_t *buffer, uint32_t pos, uint32_t maxLengt
     const uint32_t limit = std::min(maxLength, nice);
     if (limit < uint32_t(m_hashBytes))
         return 0;
-    const uint8_t *here = buffer + pos;
-    int32_t candidate = m_head[hash(here)];
-    uint32_t smallerLength = 0;
-    uint32_t greaterLength = 0;
-    uint32_t best = 2;
-    int found = 0;
-    while (candidate >= 0 && depth-- > 0 && pos - uint32_t(candidate) <= maxDistance) {
-        const uint8_t *there = buffer + candidate;
-        uint32_t length = std::min(smallerLength, greaterLength);
-        length += MatchLength(here + length, there + length, limit - length);
-        if (length > best) {
-            best = length;
-            list[found++] = {length, pos - uint32_t(candidate)};
-        }
-        if (length >= limit)
-            break;
-        const int32_t *children = &m_children[size_t(candidate) * 2];
-        if (there[length] < here[length]) {
-            candidate = children[1];
-            smallerLength = length;
-        } else {
-            candidate = children[0];
-            greaterLength = length;
-        }
-    }
-    return found;
+    return WalkTree<false>(
+        buffer, pos, limit, maxDistance, depth, m_head[hash(buffer + pos)], m_children.data(), list);
 }
 
 void TreeMatchFinder::rebase(uint32_t shift, uint32_t newSize)
