@@ -6,12 +6,14 @@ packages=(
   # build
   build-essential cmake ninja-build pkg-config clang libclang-rt-14-dev
   qt6-base-dev libmspack-dev zlib1g-dev libopencc-dev
+  # Qt's own Chinese texts for the standard buttons and dialogs
+  qt6-translations-l10n
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # the LZX benchmark compares with libwim's compressor
   libwim-dev
   # outside oracles called by the tests
-  cabextract 7zip gcab ffmpeg
+  cabextract 7zip gcab ffmpeg libarchive-tools
   # the desktop program's end-to-end test: a virtual X display, typed keys
   xvfb xauth xdotool
   # the user interface is Chinese

@@ -7,6 +7,10 @@ namespace qb::cabinet {
 
 // Raised by every service while CabName is empty.
 constexpr long kErrNoCabName = -2147219548;
+// Raised for each message libmspack gives while it reads (a warning such as a truncated or odd
+// cabinet); Description is "libmspack: " and its text. Only a note: the service goes on, and a
+// failure it leads to is raised after it with its own number.
+constexpr long kErrLibraryMessage = kErrNoCabName + 1;
 // The system error numbers the reader uses by name.
 constexpr long kErrFileNotFound = 2;
 constexpr long kErrCannotOpen = 4;

@@ -3,17 +3,29 @@
 
 #include "cabinet/cab_errors.h"
 #include "cabinet/cab_paths.h"
+#include "util/cab_format.h"
 #include "util/code_page.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <QStringList>
 
 #include <mspack.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <chrono>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <new>
 #include <system_error>
+#include <utility>
 
 namespace qb::cabinet {
 
@@ -29,14 +41,120 @@ QString xmlHead(const QString &cabName)
 
 const QString kXmlTail = QStringLiteral("</FILES></CABFILE>");
 
-// DOS fields as they are, no time-zone shift; an impossible date or time gives a null value.
+// DOS fields as they are, shown as stored; an impossible date or time gives a null value.
 QDateTime memberDateTime(const mscabd_file *file)
 {
-    const QDate date(file->date_y, file->date_m, file->date_d);
-    const QTime time(file->time_h, file->time_m, file->time_s);
-    if (!date.isValid() || !time.isValid())
-        return {};
-    return QDateTime(date, time);
+    return cab::WallClockDateTime(
+        QDate(file->date_y, file->date_m, file->date_d), QTime(file->time_h, file->time_m, file->time_s));
+}
+
+// libmspack's file access, on plain descriptors. Its default one prints warnings on stderr; ours
+// hands them to the session running on this thread.
+struct DiskFile
+{
+    int fd = -1;
+};
+
+int descriptor(mspack_file *file)
+{
+    return reinterpret_cast<DiskFile *>(file)->fd;
+}
+
+mspack_file *diskOpen(mspack_system *, const char *name, int mode) noexcept
+{
+    int flags = O_CLOEXEC;
+    switch (mode) {
+    case MSPACK_SYS_OPEN_READ:
+        flags |= O_RDONLY;
+        break;
+    case MSPACK_SYS_OPEN_WRITE:
+        // Only fresh scratch names are written: never through a file or link already there.
+        flags |= O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
+        break;
+    default:
+        return nullptr; // the cabinet reader neither updates nor appends
+    }
+    int fd = -1;
+    do {
+        fd = ::open(name, flags, 0666);
+    } while (fd < 0 && errno == EINTR);
+    if (fd < 0)
+        return nullptr;
+    auto *file = new (std::nothrow) DiskFile {fd};
+    if (!file)
+        ::close(fd);
+    return reinterpret_cast<mspack_file *>(file);
+}
+
+void diskClose(mspack_file *file) noexcept
+{
+    if (!file)
+        return;
+    ::close(descriptor(file));
+    delete reinterpret_cast<DiskFile *>(file);
+}
+
+// libmspack takes a short read for the end of the file, so read until then.
+int diskRead(mspack_file *file, void *buffer, int bytes) noexcept
+{
+    int done = 0;
+    while (done < bytes) {
+        const ssize_t got
+            = ::read(descriptor(file), static_cast<char *>(buffer) + done, size_t(bytes - done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return -1;
+        if (got == 0)
+            break;
+        done += int(got);
+    }
+    return done;
+}
+
+int diskWrite(mspack_file *file, void *buffer, int bytes) noexcept
+{
+    int done = 0;
+    while (done < bytes) {
+        const ssize_t put
+            = ::write(descriptor(file), static_cast<const char *>(buffer) + done, size_t(bytes - done));
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put <= 0)
+            return done > 0 ? done : -1;
+        done += int(put);
+    }
+    return done;
+}
+
+int diskSeek(mspack_file *file, off_t offset, int mode) noexcept
+{
+    int whence = SEEK_SET;
+    if (mode == MSPACK_SYS_SEEK_CUR)
+        whence = SEEK_CUR;
+    else if (mode == MSPACK_SYS_SEEK_END)
+        whence = SEEK_END;
+    return ::lseek(descriptor(file), offset, whence) < 0 ? -1 : 0;
+}
+
+off_t diskTell(mspack_file *file) noexcept
+{
+    return ::lseek(descriptor(file), 0, SEEK_CUR);
+}
+
+void *memAlloc(mspack_system *, size_t bytes) noexcept
+{
+    return std::malloc(bytes);
+}
+
+void memFree(void *pointer) noexcept
+{
+    std::free(pointer);
+}
+
+void memCopy(void *source, void *target, size_t bytes) noexcept
+{
+    std::memcpy(target, source, bytes);
 }
 
 } // namespace
@@ -46,23 +164,68 @@ class clsCAB::Session
 {
 public:
     Session()
-        : decompressor(mspack_create_cab_decompressor(nullptr))
-    { }
+    {
+        // message() gets no context from libmspack: the innermost session on this thread takes it.
+        m_outer = s_current;
+        s_current = this;
+        int selfTest = MSPACK_ERR_OK;
+        MSPACK_SYS_SELFTEST(selfTest);
+        if (selfTest == MSPACK_ERR_OK)
+            decompressor = mspack_create_cab_decompressor(&system());
+    }
     ~Session()
     {
         if (decompressor && cabinet)
             decompressor->close(decompressor, cabinet);
         if (decompressor)
             mspack_destroy_cab_decompressor(decompressor);
+        s_current = m_outer;
     }
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
+
+    // What libmspack said since the last call, in order; raised by the service between its calls.
+    QStringList takeMessages() { return std::exchange(m_messages, {}); }
 
     mscab_decompressor *decompressor = nullptr;
     mscabd_cabinet *cabinet = nullptr;
     // libmspack keeps using the name while the cabinet is open.
     QByteArray encodedName;
+
+private:
+    static mspack_system &system()
+    {
+        static mspack_system disk {diskOpen, diskClose, diskRead, diskWrite, diskSeek, diskTell, message,
+            memAlloc, memFree, memCopy, nullptr};
+        return disk;
+    }
+
+    // Queued, not raised: a signal handler must not run inside libmspack's frames.
+    static void message(mspack_file *, const char *format, ...) noexcept
+    {
+        char text[512];
+        va_list arguments;
+        va_start(arguments, format);
+        const int length = std::vsnprintf(text, sizeof text, format, arguments);
+        va_end(arguments);
+        if (length < 0 || !s_current)
+            return;
+        QString line = QString::fromUtf8(text);
+        for (const QLatin1String lead : {QLatin1String("WARNING; "), QLatin1String("ERROR; ")}) {
+            if (line.startsWith(lead)) {
+                line.remove(0, lead.size());
+                break;
+            }
+        }
+        s_current->m_messages << QStringLiteral("libmspack: ") + line;
+    }
+
+    static thread_local Session *s_current;
+    Session *m_outer = nullptr;
+    QStringList m_messages;
 };
+
+thread_local clsCAB::Session *clsCAB::Session::s_current = nullptr;
 
 clsCAB::clsCAB(QObject *parent)
     : QObject(parent)
@@ -73,6 +236,12 @@ clsCAB::~clsCAB() = default;
 void clsCAB::raise(long number, const QString &description)
 {
     Q_EMIT RaiseError(number, kSource, description);
+}
+
+void clsCAB::raiseMessages(Session &session)
+{
+    for (const QString &message : session.takeMessages())
+        raise(kErrLibraryMessage, message);
 }
 
 bool clsCAB::openSession(Session &session)
@@ -100,6 +269,7 @@ bool clsCAB::openSession(Session &session)
     }
     session.encodedName = QFile::encodeName(m_cabName);
     session.cabinet = session.decompressor->open(session.decompressor, session.encodedName.constData());
+    raiseMessages(session);
     if (!session.cabinet) {
         const long number = ErrorFromMspack(session.decompressor->last_error(session.decompressor));
         raise(number, ErrorText(number));
@@ -233,12 +403,14 @@ void clsCAB::extractOne(
         return;
     }
     // Written under a scratch name first, so a failure never leaves half a file under the real one.
-    const QString scratch = targetFolder + QStringLiteral(".") + leaf + QStringLiteral(".qbpart")
-        + QString::number(QRandomGenerator::global()->generate(), 16);
+    // The name is short: a long leaf plus any suffix would pass the file system's name limit.
+    const QString scratch = targetFolder + QStringLiteral(".qbpart-")
+        + QStringLiteral("%1").arg(QRandomGenerator::global()->generate64(), 16, 16, QLatin1Char('0'));
     const QByteArray scratchName = QFile::encodeName(scratch);
     const auto *file = static_cast<const mscabd_file *>(member.handle);
     const int result = session.decompressor->extract(
         session.decompressor, const_cast<mscabd_file *>(file), scratchName.constData());
+    raiseMessages(session);
     if (result != MSPACK_ERR_OK) {
         QFile::remove(scratch);
         const long number = result == MSPACK_ERR_OPEN ? kErrCannotCreate : ErrorFromMspack(result);

@@ -9,7 +9,12 @@ namespace qb::cabinet {
 
 // Every service opens the cabinet named by CabName, walks its files in stored order and closes
 // it again. Failures never throw: the service returns its failure result and raises RaiseError
-// (Source "CabFile", a system error number and its text).
+// (Source "CabFile", a system error number and its text). What libmspack says on the way (it
+// never prints) is raised as kErrLibraryMessage, a note before any failure it leads to.
+//
+// FileFound's DateTime shows the stored (zone-less) date and time; an extracted file's time is
+// the instant it names in the local zone, a time skipped by daylight saving moved forward by the
+// gap and a repeated time taken at its second occurrence, as other extractors do.
 //
 // All signals are raised on the caller's thread, inside the walk. A handler must not start
 // another service on the same object; such a call returns the failure result at once.
@@ -72,6 +77,8 @@ private:
     bool openSession(Session &session);
     void extractOne(Session &session, const Member &member, const QString &folder, const QString &outputFile);
     void raise(long number, const QString &description);
+    // Raises what libmspack said during the session's last call, as kErrLibraryMessage.
+    void raiseMessages(Session &session);
 
     QString m_cabName;
     int m_legacyCodePage = 936;

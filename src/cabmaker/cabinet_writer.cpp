@@ -2,15 +2,16 @@
 #include "cabmaker/cabinet_writer.h"
 
 #include "cabmaker/folder_encoder.h"
+#include "cabmaker/pending_cabinet.h"
 #include "cabmaker/source_stamp.h"
 #include "util/cab_format.h"
-#include "util/file_names.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -109,28 +110,6 @@ private:
     std::vector<unsigned char> m_buffer;
 };
 
-// Closes and, unless kept, removes the temporary cabinet on every way out.
-struct TempCabinet
-{
-    QString path;
-    int fd = -1;
-    bool keep = false;
-    ~TempCabinet()
-    {
-        if (fd >= 0)
-            ::close(fd);
-        if (!keep && !path.isEmpty())
-            ::unlink(QFile::encodeName(path).constData());
-    }
-};
-
-mode_t creationMode()
-{
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
-}
-
 } // namespace
 
 CabinetWriter::CabinetWriter(BuildPlan plan)
@@ -194,11 +173,45 @@ bool CabinetWriter::layOut(std::vector<LaidFile> &files, std::vector<LaidFolder>
     }
     if (files.empty())
         return fail(QStringLiteral("no files to put in the cabinet"));
+    joinEmptyFolders(files, folders);
     if (files.size() > size_t(cab::kMaxFiles))
         return fail(QStringLiteral("%1 files are more than the %2 one cabinet can hold")
                         .arg(files.size())
                         .arg(cab::kMaxFiles));
     return true;
+}
+
+void CabinetWriter::joinEmptyFolders(std::vector<LaidFile> &files, std::vector<LaidFolder> &folders)
+{
+    // A folder without data blocks starts where the next one does, and libarchive then refuses
+    // the whole cabinet; so its empty files go to the folder before (or after) it. A cabinet of
+    // empty files only keeps one such folder, which every reader takes.
+    const bool anyData
+        = std::any_of(folders.begin(), folders.end(), [](const LaidFolder &f) { return f.bytes > 0; });
+    std::vector<LaidFolder> kept;
+    std::vector<int> waiting; // empty files before the first folder with data
+    for (LaidFolder &folder : folders) {
+        const bool join = anyData ? folder.bytes == 0 : !kept.empty();
+        if (join && !kept.empty()) {
+            LaidFolder &before = kept.back();
+            for (const int index : folder.files) {
+                files[size_t(index)].folder = int(kept.size() - 1);
+                files[size_t(index)].offsetInFolder = before.bytes;
+                before.files.push_back(index);
+            }
+            continue;
+        }
+        if (join) {
+            waiting.insert(waiting.end(), folder.files.begin(), folder.files.end());
+            continue;
+        }
+        folder.files.insert(folder.files.begin(), waiting.begin(), waiting.end());
+        waiting.clear();
+        for (const int index : folder.files)
+            files[size_t(index)].folder = int(kept.size());
+        kept.push_back(std::move(folder));
+    }
+    folders = std::move(kept);
 }
 
 bool CabinetWriter::write()
@@ -232,21 +245,18 @@ bool CabinetWriter::write()
     if (target.isDir())
         return fail(QStringLiteral("'%1' is a folder").arg(m_plan.cabinetPath));
 
-    TempCabinet temp;
-    temp.path = util::CreateUniqueTempFile(targetFolder, QStringLiteral("cab"));
-    if (temp.path.isEmpty())
-        return fail(QStringLiteral("cannot write in '%1': %2").arg(targetFolder, errnoText()));
-    temp.fd = ::open(QFile::encodeName(temp.path).constData(), O_WRONLY | O_CLOEXEC);
-    if (temp.fd < 0)
-        return fail(QStringLiteral("cannot write in '%1': %2").arg(targetFolder, errnoText()));
-    Output out(temp.fd);
+    PendingCabinet pending;
+    QString problem;
+    if (!pending.open(targetFolder, problem))
+        return fail(problem);
+    Output out(pending.fd());
 
     qint64 tablesSize = qint64(cab::kHeaderSize + cab::kFolderEntrySize * folders.size());
     const qint64 filesOffset = tablesSize;
     for (const LaidFile &file : files)
         tablesSize += qint64(cab::kFileEntryFixedSize) + file.name.size() + 1;
-    if (::lseek(temp.fd, off_t(tablesSize), SEEK_SET) < 0)
-        return fail(QStringLiteral("cannot write '%1': %2").arg(temp.path, errnoText()));
+    if (::lseek(pending.fd(), off_t(tablesSize), SEEK_SET) < 0)
+        return fail(QStringLiteral("cannot write '%1': %2").arg(m_plan.cabinetPath, errnoText()));
 
     qint64 position = tablesSize;
     qint64 totalBytes = 0;
@@ -280,7 +290,7 @@ bool CabinetWriter::write()
             cab::put16(head + 4, payloadSize);
             cab::put16(head + 6, block.uncompressedSize);
             if (!out.append(head, sizeof head) || !out.append(block.payload.constData(), size_t(payloadSize)))
-                return fail(QStringLiteral("cannot write '%1': %2").arg(temp.path, errnoText()));
+                return fail(QStringLiteral("cannot write '%1': %2").arg(m_plan.cabinetPath, errnoText()));
             position += qint64(sizeof head) + payloadSize;
             if (position > sizeLimit)
                 return tooLarge();
@@ -348,7 +358,7 @@ bool CabinetWriter::write()
             return false;
     }
     if (!out.flush())
-        return fail(QStringLiteral("cannot write '%1': %2").arg(temp.path, errnoText()));
+        return fail(QStringLiteral("cannot write '%1': %2").arg(m_plan.cabinetPath, errnoText()));
 
     // The tables, now that every folder knows where its data starts.
     std::vector<unsigned char> tables(size_t(tablesSize), 0);
@@ -380,16 +390,10 @@ bool CabinetWriter::write()
         std::memcpy(p + cab::kFileEntryFixedSize, file.name.constData(), size_t(file.name.size()));
         p += cab::kFileEntryFixedSize + size_t(file.name.size()) + 1;
     }
-    if (!out.writeAt(0, tables) || ::fchmod(temp.fd, creationMode()) != 0 || ::close(temp.fd) != 0) {
-        temp.fd = -1;
-        return fail(QStringLiteral("cannot write '%1': %2").arg(temp.path, errnoText()));
-    }
-    temp.fd = -1;
-    if (::rename(QFile::encodeName(temp.path).constData(),
-            QFile::encodeName(target.absoluteFilePath()).constData())
-        != 0)
-        return fail(QStringLiteral("cannot create '%1': %2").arg(m_plan.cabinetPath, errnoText()));
-    temp.keep = true;
+    if (!out.writeAt(0, tables))
+        return fail(QStringLiteral("cannot write '%1': %2").arg(m_plan.cabinetPath, errnoText()));
+    if (!pending.commit(target.absoluteFilePath(), problem))
+        return fail(problem);
 
     m_stats.bytesIn = totalBytes;
     m_stats.bytesOut = position;

@@ -63,6 +63,7 @@ private:
     struct LaidFile;
     struct LaidFolder;
     bool layOut(std::vector<LaidFile> &files, std::vector<LaidFolder> &folders);
+    static void joinEmptyFolders(std::vector<LaidFile> &files, std::vector<LaidFolder> &folders);
     bool fail(const QString &message);
 
     BuildPlan m_plan;

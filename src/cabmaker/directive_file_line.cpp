@@ -231,8 +231,10 @@ std::optional<QString> DirectiveInterpreter::cabinetName(
         addError(u"'%1' has an empty or '.' part"_s.arg(shown));
         return std::nullopt;
     }
-    if (shown != name) {
-        addError(u"'%1' holds a control character"_s.arg(shown));
+    // Any other character is fine: a cabinet stores every byte but NUL, and Linux names may hold
+    // tabs and line ends.
+    if (name.contains(QChar(0))) {
+        addError(u"'%1' holds a NUL character"_s.arg(shown));
         return std::nullopt;
     }
     if (name.toUtf8().size() > kMaxNameBytes) {

@@ -39,6 +39,25 @@ qsizetype readQuoted(QStringView text, qsizetype start, QString &out)
     return -1;
 }
 
+// The character of a reference "#N" (N decimal); nullopt unless N is a code point other than NUL
+// and the surrogates.
+std::optional<char32_t> characterReference(QStringView name)
+{
+    if (name.size() < 2 || name[0] != u'#')
+        return std::nullopt;
+    char32_t code = 0;
+    for (const QChar c : name.sliced(1)) {
+        if (c < u'0' || c > u'9')
+            return std::nullopt;
+        code = code * 10 + char32_t(c.unicode() - u'0');
+        if (code > 0x10FFFF)
+            return std::nullopt;
+    }
+    if (code == 0 || (code >= 0xD800 && code <= 0xDFFF))
+        return std::nullopt;
+    return code;
+}
+
 } // namespace
 
 QStringList SplitDirectiveLines(QStringView text)
@@ -97,7 +116,19 @@ Expansion ExpandVariables(QStringView line, const VariableLookup &lookup)
             result.text.append(u'%');
         } else {
             const QString name = line.sliced(percent + 1, close - percent - 1).toString();
-            const std::optional<QString> value = lookup(name);
+            std::optional<QString> value;
+            if (name.startsWith(u'#')) {
+                const std::optional<char32_t> code = characterReference(name);
+                if (!code) {
+                    result.error
+                        = u"'%%1%' is not a character: write %#N% with N from 1 to 1114111, not a surrogate"_s
+                              .arg(name);
+                    return result;
+                }
+                value = QString::fromUcs4(&*code, 1);
+            } else {
+                value = lookup(name);
+            }
             if (!value) {
                 result.error = u"unknown variable '%1'"_s.arg(name);
                 return result;

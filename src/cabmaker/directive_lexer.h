@@ -44,8 +44,9 @@ struct Expansion
     QString error; // empty on success
 };
 
-// Replaces every %name% with its value and %% with "%", in one pass: values are not expanded again.
-// Errors: an unknown name, a "%" left open, a value that would take the line past kMaxExpandedLine.
+// Replaces every %name% with its value, %% with "%" and %#N% with the character of decimal code
+// point N, in one pass: nothing put in is expanded again. Errors: an unknown name, a bad %#N%, a
+// "%" left open, a value that would take the line past kMaxExpandedLine.
 Expansion ExpandVariables(QStringView line, const VariableLookup &lookup);
 
 struct LineToken

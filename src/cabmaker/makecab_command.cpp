@@ -20,7 +20,7 @@ constexpr int kUsage = 2;
 const char *const kBanner = "Quillbox makecab " QB_VERSION " - cabinet maker for directive files";
 
 const char *const kUsageText
-    = "usage: makecab [/V[n]] [/D var=value ...] [/L dir] source [destination]\n"
+    = "usage: makecab [/V[n]] [/D var=value ...] [/L dir] [--] source [destination]\n"
       "       makecab [/V[n]] [/D var=value ...] [/L dir] /F directive_file [/F ...]\n"
       "  source          a file to compress into a cabinet of its own\n"
       "  destination     the cabinet's name (default: source with its last character as \"_\")\n"
@@ -28,7 +28,8 @@ const char *const kUsageText
       "  /D var=value    sets a variable before the directive files run\n"
       "  /L dir          the folder the cabinet and disk folders are made in\n"
       "  /V[n]           verbosity: 0 errors only, 1 progress (default), 2 details\n"
-      "Options start with \"/\" or \"-\", in any case.\n";
+      "Options start with \"/\" or \"-\", in any case; any other argument is a path, and after\n"
+      "\"--\" every argument is.\n";
 
 struct Options
 {
@@ -40,17 +41,28 @@ struct Options
     bool help = false;
 };
 
+// The options the tool has, after "/" or "-", in upper case; anything else is a path, so that
+// "/tmp/a.txt" and "-draft.txt" are names of files.
 bool isOption(const QString &arg)
 {
-    return arg.size() >= 2 && (arg[0] == u'/' || arg[0] == u'-');
+    if (arg.size() < 2 || (arg[0] != u'/' && arg[0] != u'-'))
+        return false;
+    const QString name = arg.mid(1).toUpper();
+    return name == u"?" || name == u"H" || name == u"-HELP" || name == u"F" || name == u"D" || name == u"L"
+        || name == u"V" || (name.size() == 2 && name[0] == u'V' && name[1] >= u'0' && name[1] <= u'9');
 }
 
 // Parses the command line; false with a message when it is wrong.
 bool parseArguments(const QStringList &args, Options &options, QString &problem)
 {
+    bool optionsEnded = false;
     for (qsizetype i = 0; i < args.size(); ++i) {
         const QString &arg = args[i];
-        if (!isOption(arg)) {
+        if (!optionsEnded && arg == u"--") {
+            optionsEnded = true;
+            continue;
+        }
+        if (optionsEnded || !isOption(arg)) {
             options.positional << arg;
             continue;
         }
@@ -83,11 +95,8 @@ bool parseArguments(const QStringList &args, Options &options, QString &problem)
         } else if (name == u"L") {
             if (!value(options.outputFolder))
                 return false;
-        } else if (name.startsWith(u'V') && (name.size() == 1 || (name.size() == 2 && name[1].isDigit()))) {
-            options.verbosity = name.size() == 1 ? 1 : name[1].digitValue();
         } else {
-            problem = QStringLiteral("unknown option '%1'").arg(arg);
-            return false;
+            options.verbosity = name.size() == 1 ? 1 : name[1].digitValue();
         }
     }
     if (options.help)
@@ -113,6 +122,8 @@ QByteArray oneFileDirective(const QString &source, const QString &destination)
 {
     auto quoted = [](QString text) {
         text.replace(u'%', QStringLiteral("%%"));
+        // A directive file is read line by line: a line end in a name goes in as a reference.
+        text.replace(u'\r', QStringLiteral("%#13%")).replace(u'\n', QStringLiteral("%#10%"));
         return u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"';
     };
     const QFileInfo target(destination);

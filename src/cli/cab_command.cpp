@@ -1,11 +1,18 @@
 // quillbox cab: each action is one or more clsCAB services; every RaiseError becomes a message.
 #include "cli/cab_command.h"
 
+#include "cabinet/cab_errors.h"
 #include "cabinet/cab_reader.h"
+#include "cli/cab_create_command.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSet>
 #include <QTemporaryDir>
+
+#include <unistd.h>
+
+#include <algorithm>
 
 namespace qb::cli {
 
@@ -21,7 +28,81 @@ struct CabRun
     QTextStream &err;
     cabinet::clsCAB reader {};
     int errors = 0;
+    QString cabName {}; // as given, to name it in every message
+    // The file being extracted, "/" between folders; empty outside Extract.
+    QString member {};
+    int memberErrors = 0;
+    QSet<QString> said {}; // a member's failure is said once, however often it is raised
+
+    void say(const QString &subject, const QString &text)
+    {
+        QString line = QStringLiteral("quillbox: ") + cabName + QStringLiteral(": ");
+        if (!subject.isEmpty())
+            line += subject + QStringLiteral(": ");
+        line += text;
+        if (subject.isEmpty() || !said.contains(line))
+            err << line << "\n";
+        if (!subject.isEmpty())
+            said.insert(line);
+    }
+
+    void raised(long number, const QString &description)
+    {
+        // libmspack's notes are worth showing but fail nothing by themselves.
+        if (number == cabinet::kErrLibraryMessage) {
+            say(member, description);
+            return;
+        }
+        say(member, description + QStringLiteral(" (") + QString::number(number) + u')');
+        if (member.isEmpty())
+            ++errors;
+        else
+            ++memberErrors;
+    }
 };
+
+// Terminal columns of a text: East Asian wide and full-width characters take two, marks none.
+int displayWidth(const QString &text)
+{
+    int width = 0;
+    for (const char32_t c : text.toUcs4()) {
+        const QChar::Category category = QChar::category(c);
+        if (category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing
+            || category == QChar::Other_Format)
+            continue;
+        const bool wide = (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0x303E)
+            || (c >= 0x3041 && c <= 0x33FF) || (c >= 0x3400 && c <= 0x4DBF) || (c >= 0x4E00 && c <= 0x9FFF)
+            || (c >= 0xA000 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF)
+            || (c >= 0xFE30 && c <= 0xFE4F) || (c >= 0xFF00 && c <= 0xFF60) || (c >= 0xFFE0 && c <= 0xFFE6)
+            || (c >= 0x1F300 && c <= 0x1F64F) || (c >= 0x20000 && c <= 0x3FFFD);
+        width += wide ? 2 : 1;
+    }
+    return width;
+}
+
+// Rows in columns two spaces apart, each as wide as its widest cell; right-aligned where asked.
+// The last column is not padded.
+void printColumns(QTextStream &out, const QList<QStringList> &rows, const QList<bool> &rightAligned)
+{
+    QList<int> widths(rightAligned.size(), 0);
+    for (const QStringList &row : rows) {
+        for (qsizetype i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], displayWidth(row[i]));
+    }
+    for (const QStringList &row : rows) {
+        QString line;
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            const QString padding(widths[i] - displayWidth(row[i]), u' ');
+            if (i > 0)
+                line += QStringLiteral("  ");
+            if (rightAligned[i])
+                line += padding + row[i];
+            else
+                line += row[i] + (i + 1 < row.size() ? padding : QString());
+        }
+        out << line << "\n";
+    }
+}
 
 int usage(CabRun &run, const QString &problem)
 {
@@ -44,22 +125,24 @@ bool forEachName(const QStringList &names, Service &&service)
 
 int list(CabRun &run, const QStringList &names)
 {
+    // Size, stored date and time (blank when impossible), name; printed once all widths are known.
+    QList<QStringList> rows;
     QObject::connect(&run.reader, &cabinet::clsCAB::FileFound,
-        [&run](const QString &name, const QDateTime &dateTime, qint64 size, const QString &path) {
-            run.out << size << "  " << dateTime.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) << "  "
-                    << path << name << "\n";
+        [&rows](const QString &name, const QDateTime &dateTime, qint64 size, const QString &path) {
+            rows << QStringList {QString::number(size),
+                dateTime.isValid() ? dateTime.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) : QString(),
+                path + name};
         });
-    int found = 0;
-    QObject::connect(&run.reader, &cabinet::clsCAB::FileFound, [&found] { ++found; });
     const bool named = forEachName(names, [&](const QString &name) {
-        const int before = found;
+        const qsizetype before = rows.size();
         run.reader.GetInfo(name);
-        if (!name.isEmpty() && found == before && run.errors == 0) {
-            run.err << "quillbox: not in the cabinet: " << name << "\n";
+        if (!name.isEmpty() && rows.size() == before && run.errors == 0) {
+            run.say(QString(), QStringLiteral("not in the cabinet: ") + name);
             return false;
         }
         return true;
     });
+    printColumns(run.out, rows, {true, false, false});
     return named && run.errors == 0 ? kOk : kFailed;
 }
 
@@ -71,43 +154,93 @@ int xml(CabRun &run, const QStringList &names)
     return run.errors == 0 ? kOk : kFailed;
 }
 
+// Why a member's folder below root could not be made; clsCAB skips such a file without a word.
+QString folderProblem(const QString &root, const QString &member)
+{
+    const qsizetype cut = member.lastIndexOf(u'/');
+    const QStringList parts = member.left(std::max<qsizetype>(cut, 0)).split(u'/', Qt::SkipEmptyParts);
+    QString folder = QDir::cleanPath(root);
+    for (const QString &part : parts) {
+        folder += u'/' + part;
+        const QFileInfo info(folder);
+        if (info.exists() && !info.isDir())
+            return QStringLiteral("cannot make the folder ") + folder
+                + QStringLiteral(": a file is in the way");
+    }
+    return QStringLiteral("cannot make the folder ") + folder;
+}
+
 // Unpacks into folder; with check, also confirms that every file reported written is there.
+// Each member that fails is named with why, once; the summary counts distinct files.
 int extract(CabRun &run, const QStringList &names, const QString &folder, bool check)
 {
     int matched = 0;
+    QSet<QString> tried;
+    QSet<QString> failed;
+    bool done = false;
+    // Closes the member BeforeExtract opened: no AfterExtract means it failed.
+    const auto settle = [&] {
+        if (run.member.isEmpty())
+            return;
+        if (!done) {
+            failed.insert(run.member);
+            if (run.memberErrors == 0)
+                run.say(run.member, folderProblem(folder, run.member));
+        }
+        run.member.clear();
+    };
     QObject::connect(
         &run.reader, &cabinet::clsCAB::BeforeExtract, &run.reader,
-        [&matched](const QString &, bool &) { ++matched; }, Qt::DirectConnection);
-    QStringList written;
-    QObject::connect(&run.reader, &cabinet::clsCAB::AfterExtract,
-        [&written](const QString &target) { written << target; });
+        [&](const QString &name, bool &) {
+            settle();
+            ++matched;
+            run.member = QString(name).replace(u'\\', u'/');
+            tried.insert(run.member);
+            run.memberErrors = 0;
+            done = false;
+        },
+        Qt::DirectConnection);
+    QSet<QString> written;
+    QObject::connect(&run.reader, &cabinet::clsCAB::AfterExtract, [&](const QString &target) {
+        written.insert(target);
+        done = true;
+    });
     const bool named = forEachName(names, [&](const QString &name) {
         const int before = matched;
         run.reader.Extract(name, folder, QString());
+        settle();
         if (!name.isEmpty() && matched == before && run.errors == 0) {
-            run.err << "quillbox: not in the cabinet: " << name << "\n";
+            run.say(QString(), QStringLiteral("not in the cabinet: ") + name);
             return false;
         }
         return true;
     });
-    int missing = 0;
-    for (const QString &target : written) {
-        if (!QFileInfo(target).isFile()) {
-            run.err << "quillbox: not written: " << target << "\n";
-            ++missing;
+    qsizetype extracted = 0;
+    for (const QString &target : std::as_const(written)) {
+        if (QFileInfo(target).isFile()) {
+            ++extracted;
+        } else {
+            run.say(target, QStringLiteral("not written"));
+            failed.insert(target);
         }
     }
-    if (check && run.errors == 0 && missing == 0 && named)
-        run.out << written.size() << " files tested, no errors\n";
-    else if (!check)
-        run.out << written.size() << " files extracted\n";
-    return named && run.errors == 0 && missing == 0 && matched == written.size() ? kOk : kFailed;
+    if (check && run.errors == 0 && failed.isEmpty())
+        run.out << tried.size() << " files tested, no errors\n";
+    else if (check)
+        run.out << tried.size() << " files tested, " << failed.size() << " failed\n";
+    else if (failed.isEmpty())
+        run.out << extracted << " files extracted\n";
+    else
+        run.out << extracted << " files extracted, " << failed.size() << " failed\n";
+    return named && run.errors == 0 && failed.isEmpty() ? kOk : kFailed;
 }
 
 } // namespace
 
 int RunCabCommand(const QStringList &arguments, QTextStream &out, QTextStream &err)
 {
+    if (arguments.value(0) == QLatin1String("create"))
+        return RunCabCreate(arguments.mid(1), out, err, ::isatty(STDOUT_FILENO) == 1);
     CabRun run {out, err};
     if (arguments.size() < 2)
         return usage(run, QStringLiteral("cab needs an action and a cabinet"));
@@ -129,11 +262,10 @@ int RunCabCommand(const QStringList &arguments, QTextStream &out, QTextStream &e
         return usage(run, QStringLiteral("-d goes with extract only"));
 
     run.reader.setCabName(arguments[1]);
+    run.cabName = arguments[1];
     QObject::connect(&run.reader, &cabinet::clsCAB::RaiseError,
-        [&run](long number, const QString &, const QString &description) {
-            ++run.errors;
-            run.err << "quillbox: " << description << " (" << number << ")\n";
-        });
+        [&run](
+            long number, const QString &, const QString &description) { run.raised(number, description); });
     if (action == QLatin1String("list"))
         return list(run, names);
     if (action == QLatin1String("xml"))

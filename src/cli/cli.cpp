@@ -37,6 +37,9 @@ const char *const kUsageText
       "  cab list|extract|test|xml CABINET [-d DIR] [NAME...]\n"
       "                        list, unpack (into DIR, default the current folder), test or\n"
       "                        describe as XML the files of a cabinet (all, or the NAMEs)\n"
+      "  cab create CABINET PATH... [--compression none|mszip|lzx] [--memory 15..21] [--level 1..9]\n"
+      "                        pack files and folders (a folder's files relative to it) as the\n"
+      "                        desktop program does; default LZX with a 2 MiB window\n"
       "  help                   this text\n";
 
 struct Context

@@ -334,6 +334,8 @@ bool ctlListView::AddItem(
     const int at
         = m_model->insertRow(row, ComposeItemTexts(ItemsText, type.TypeName), image, std::min(row, count));
     m_tracker->unmute();
+    if (at >= 0)
+        m_model->setRowFile(at, FileName);
     // Appended whatever the position: a row put in the middle shows the last picture's slot.
     m_itemPictures.push_back(pic);
     return at >= 0;
@@ -559,6 +561,21 @@ QString ctlListView::ItemText(int Item, int ColumnID) const
     if (!m_list)
         return {};
     return TrimSpaces(m_model->cellText(Item, ColumnID));
+}
+
+QString ctlListView::ItemFile(int Item) const
+{
+    return m_list ? m_model->rowFile(Item) : QString();
+}
+
+QString ctlListView::ItemTag(int Item) const
+{
+    return m_list ? m_model->rowTag(Item) : QString();
+}
+
+bool ctlListView::setItemTag(int Item, const QString &Tag)
+{
+    return m_list && m_model->setRowTag(Item, Tag);
 }
 
 bool ctlListView::ItemSelected(int Item) const

@@ -131,6 +131,12 @@ public:
     void setColumnWidth(int ColumnID, int Width);
     // A cell's text without blanks at either end; "" outside the rows and columns.
     QString ItemText(int Item, int ColumnID) const;
+    // The FileName a row was added with, exactly, whatever its cells show; "" outside the rows.
+    QString ItemFile(int Item) const;
+    // A text of the host's own kept with a row and never shown (e.g. the exact name a file gets
+    // elsewhere); "" and false outside the rows.
+    QString ItemTag(int Item) const;
+    bool setItemTag(int Item, const QString &Tag);
     // The row the list last reported a change of; writing only stores it.
     int ItemIndex() const { return m_itemIndex; }
     void setItemIndex(int Index) { m_itemIndex = Index; }

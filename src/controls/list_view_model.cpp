@@ -107,7 +107,7 @@ int ListViewModel::insertRow(int position, std::vector<QString> cells, int image
     if (position < 0 || total == std::numeric_limits<int>::max())
         return -1;
     position = std::min(position, total);
-    Row row {std::move(cells), image, param};
+    Row row {std::move(cells), image, param, {}, {}};
     if (m_holding && position == total) {
         m_rows.push_back(std::move(row));
         return position;
@@ -131,6 +131,32 @@ QString ListViewModel::cellText(int row, int column) const
 qintptr ListViewModel::rowParam(int row) const
 {
     return row < 0 || row >= totalRows() ? 0 : m_rows[size_t(row)].param;
+}
+
+QString ListViewModel::rowFile(int row) const
+{
+    return row < 0 || row >= totalRows() ? QString() : m_rows[size_t(row)].file;
+}
+
+QString ListViewModel::rowTag(int row) const
+{
+    return row < 0 || row >= totalRows() ? QString() : m_rows[size_t(row)].tag;
+}
+
+bool ListViewModel::setRowFile(int row, const QString &file)
+{
+    if (row < 0 || row >= totalRows())
+        return false;
+    m_rows[size_t(row)].file = file;
+    return true;
+}
+
+bool ListViewModel::setRowTag(int row, const QString &tag)
+{
+    if (row < 0 || row >= totalRows())
+        return false;
+    m_rows[size_t(row)].tag = tag;
+    return true;
 }
 
 bool ListViewModel::removeRowAt(int row)

@@ -49,6 +49,11 @@ public:
     int insertRow(int position, std::vector<QString> cells, int image, qintptr param);
     QString cellText(int row, int column) const;
     qintptr rowParam(int row) const;
+    // The file a row stands for and the host's own text for it; neither is shown.
+    QString rowFile(int row) const;
+    QString rowTag(int row) const;
+    bool setRowFile(int row, const QString &file);
+    bool setRowTag(int row, const QString &tag);
     bool removeRowAt(int row);
     void clearRows();
 
@@ -65,6 +70,8 @@ private:
         std::vector<QString> cells;
         int image = 0;
         qintptr param = 0;
+        QString file;
+        QString tag;
     };
     struct Column
     {

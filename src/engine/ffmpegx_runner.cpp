@@ -632,8 +632,9 @@ bool FFmpegX::ShellAndWait(const QString &cmdline, bool ShowWindow)
     shell.setProcessChannelMode(QProcess::ForwardedChannels);
     shell.setStandardInputFile(QProcess::nullDevice());
     shell.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), cmdline});
-    if (shell.waitForStarted(30000))
-        shell.waitForFinished(-1);
+    if (!shell.waitForStarted(30000))
+        return false; // nothing ran: the caller must not take it as done
+    shell.waitForFinished(-1);
     return true;
 }
 

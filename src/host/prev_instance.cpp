@@ -2,10 +2,14 @@
 #include "host/prev_instance.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QVersionNumber>
+
+#include <memory>
+#include <utility>
 
 #include <unistd.h>
 
@@ -14,7 +18,21 @@ namespace qb::host {
 namespace {
 
 constexpr int kConnectMs = 1000;
-constexpr qint64 kLargestRequest = 1 << 20;
+
+// A cut can end inside a UTF-8 character; its lead bytes would become a replacement character.
+QByteArray withoutCutCharacter(QByteArray bytes)
+{
+    qsizetype lead = bytes.size();
+    while (lead > 0 && lead > bytes.size() - 4 && (uchar(bytes[lead - 1]) & 0xC0) == 0x80)
+        --lead;
+    if (lead == 0)
+        return bytes;
+    const uchar first = uchar(bytes[lead - 1]);
+    const qsizetype length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC0 ? 2 : 1;
+    if (bytes.size() - (lead - 1) < length)
+        bytes.truncate(lead - 1);
+    return bytes;
+}
 
 // Sends one request: the text in UTF-8, then the end of the connection marks its end.
 bool sendRequest(QLocalSocket &socket, const QString &text)
@@ -61,6 +79,20 @@ QString clsPrevInstance::JoinCommandLine(const QStringList &arguments)
     for (const QString &argument : arguments)
         quoted.append(u'"' + argument + u'"');
     return quoted.join(u' ');
+}
+
+QStringList clsPrevInstance::AbsoluteArguments(const QStringList &arguments, const QString &workingFolder)
+{
+    const QDir here(workingFolder);
+    QStringList result;
+    result.reserve(arguments.size());
+    for (const QString &argument : arguments) {
+        // Not cleaned: "link/.." must keep meaning what it meant to the caller.
+        const QString absolute = here.absoluteFilePath(argument);
+        const bool isRelativePath = !argument.isEmpty() && QDir::isRelativePath(argument);
+        result.append(isRelativePath && QFileInfo::exists(absolute) ? absolute : argument);
+    }
+    return result;
 }
 
 qint64 clsPrevInstance::PrevInstance(const QString &Identity, const QString &CommandLine)
@@ -115,27 +147,43 @@ bool clsPrevInstance::listen(const QString &name)
 void clsPrevInstance::onNewConnection()
 {
     while (QLocalSocket *socket = m_server->nextPendingConnection()) {
-        connect(socket, &QLocalSocket::readyRead, socket, [socket] {
-            // A request larger than any command line is cut, as a window text would be.
-            if (socket->bytesAvailable() > kLargestRequest)
-                socket->abort();
-        });
-        connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
-            const QByteArray bytes = socket->readAll().left(kLargestRequest);
+        auto received = std::make_shared<QByteArray>();
+        auto delivered = std::make_shared<bool>(false);
+        // Reads up to the limit; whatever came, cut or whole, is delivered once.
+        const auto take = [socket, received] {
+            const qint64 room = kLargestRequest - received->size();
+            if (room > 0)
+                received->append(socket->read(room));
+            return received->size() >= kLargestRequest;
+        };
+        const auto deliver = [this, socket, received, delivered] {
+            if (std::exchange(*delivered, true))
+                return;
             socket->deleteLater();
-            onRequest(QString::fromUtf8(bytes).trimmed());
+            onRequest(*received);
+        };
+        connect(socket, &QLocalSocket::readyRead, this, [socket, take, deliver] {
+            if (take()) {
+                deliver();
+                socket->abort();
+            }
+        });
+        connect(socket, &QLocalSocket::disconnected, this, [take, deliver] {
+            take();
+            deliver();
         });
         if (socket->state() == QLocalSocket::UnconnectedState) {
             // It came and went before we looked.
-            const QByteArray bytes = socket->readAll().left(kLargestRequest);
-            socket->deleteLater();
-            onRequest(QString::fromUtf8(bytes).trimmed());
+            take();
+            deliver();
         }
     }
 }
 
-void clsPrevInstance::onRequest(const QString &text)
+void clsPrevInstance::onRequest(const QByteArray &bytes)
 {
+    const QString text
+        = QString::fromUtf8(bytes.size() >= kLargestRequest ? withoutCutCharacter(bytes) : bytes).trimmed();
     if (m_ready) {
         parseAndRaise(text);
         return;

@@ -51,13 +51,20 @@ public:
     // quote-blank-quote gives them back.
     static QString JoinCommandLine(const QStringList &arguments);
 
+    // Arguments that name an existing entry relative to workingFolder, made absolute there, so
+    // that the instance receiving them finds the caller's files and not its own; other words stay.
+    static QStringList AbsoluteArguments(const QStringList &arguments, const QString &workingFolder);
+
+    // The most a request may carry; a longer one is cut there, as a window text would be.
+    static constexpr qint64 kLargestRequest = 1 << 20;
+
 Q_SIGNALS:
     void PrevInstance(const QString &sCommand, bool bReady, const QStringList &Files,
         const QStringList &Folders, const QStringList &Parameters);
 
 private:
     void onNewConnection();
-    void onRequest(const QString &text);
+    void onRequest(const QByteArray &bytes);
     void parseAndRaise(const QString &sCommand);
     bool listen(const QString &name);
 

@@ -60,14 +60,22 @@ quint32 Checksum(const void *data, size_t size, quint32 seed = 0);
 // The checksum of a whole data block: its payload, then its two size fields.
 quint32 DataBlockChecksum(const void *payload, quint16 compressedSize, quint16 uncompressedSize);
 
-// Local date and time in the DOS form of file entries, clamped to the years 1980 to 2107.
+// Local date and time in the DOS form of file entries, clamped to the years 1980 to 2107. A local
+// time that the zone skips (invalid, yet with its date and time) is stored as it was given.
 struct DosDateTime
 {
     quint16 date = 0;
     quint16 time = 0;
 };
 DosDateTime ToDosDateTime(const QDateTime &localTime);
+// The stored fields as WallClockDateTime gives them.
 QDateTime FromDosDateTime(quint16 date, quint16 time);
+
+// A zone-less local date and time as cabinets store it. date() and time() of the result are the
+// given ones, so it shows as stored. Its instant is the one extractors give the file: a time that a
+// daylight-saving change skips moves forward by the gap, a time met twice takes the second. Null for
+// an impossible date or time. Follows TZ as it is at the call.
+QDateTime WallClockDateTime(const QDate &date, const QTime &time);
 
 // Little-endian stores into a byte buffer.
 inline void put16(unsigned char *p, quint16 v)

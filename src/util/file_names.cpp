@@ -213,7 +213,14 @@ QString GetWindowsSystemDirectory()
 
 QString GetWindowsTempDirectory()
 {
-    QString temp = QDir::tempPath();
+    // TMPDIR as given, else /tmp; one that names no folder is a failed lookup, never "/".
+    QString temp = qEnvironmentVariable("TMPDIR");
+    if (temp.isEmpty())
+        temp = QStringLiteral("/tmp");
+    struct stat st;
+    if (!statPath(temp, st) || !S_ISDIR(st.st_mode))
+        return {};
+    temp = QFileInfo(temp).absoluteFilePath();
     while (temp.size() > 1 && temp.endsWith(u'/'))
         temp.chop(1);
     return temp;

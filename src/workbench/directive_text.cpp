@@ -1,6 +1,7 @@
 // The directive file, the notice and the maker's command line.
 #include "workbench/directive_text.h"
 
+#include "engine/command_line.h"
 #include "util/number_text.h"
 #include "util/text_file.h"
 #include "workbench/app_context.h"
@@ -15,9 +16,27 @@ namespace {
 
 const QString kCrLf = u"\r\n"_s;
 
+// A path as one quoted token of the maker's line language, read back exactly: "" is a quote, %%
+// a percent sign, and line ends, which would cut the line, are character references.
 QString quoted(const QString &text)
 {
-    return u'"' + text + u'"';
+    QString token;
+    token.reserve(text.size() + 2);
+    token += u'"';
+    for (const QChar c : text) {
+        if (c == u'"')
+            token += u"\"\""_s;
+        else if (c == u'%')
+            token += u"%%"_s;
+        else if (c == u'\r')
+            token += u"%#13%"_s;
+        else if (c == u'\n')
+            token += u"%#10%"_s;
+        else
+            token += c;
+    }
+    token += u'"';
+    return token;
 }
 
 } // namespace
@@ -70,7 +89,10 @@ QString HiddenNoticeName()
 
 QString MakeCabCommandLine(const QString &makeCabPath, const QString &directivePath)
 {
-    return quoted(makeCabPath) + u" /f "_s + quoted(directivePath);
+    // A quote or backslash in the path needs the command line's own escapes to come back whole.
+    const bool plain = !directivePath.contains(u'"') && !directivePath.contains(u'\\');
+    return u'"' + makeCabPath + u"\" /f "_s
+        + (plain ? u'"' + directivePath + u'"' : engine::QuoteArgument(directivePath));
 }
 
 bool WriteTextFile(const QString &text, const QString &path, bool append)

@@ -92,7 +92,8 @@ QString GetSystemDir()
 
 QString GetTempDir()
 {
-    return AddBackslash(util::GetWindowsTempDirectory());
+    const QString folder = util::GetWindowsTempDirectory();
+    return folder.isEmpty() ? QString() : AddBackslash(folder);
 }
 
 QString CreateTempName(const QString &Prefix, QString &Folder)

@@ -3,9 +3,9 @@
 
 namespace qb::workbench {
 
-void RowStore::AddItem(const QString &ItemsText, const QString &FileName)
+void RowStore::AddItem(const QString &ItemsText, const QString &FileName, const QString &Tag)
 {
-    m_rows.push_back(Row {ItemsText.split(u'|'), FileName, false});
+    m_rows.push_back(Row {ItemsText.split(u'|'), FileName, Tag, false});
 }
 
 void RowStore::Clear()
@@ -42,9 +42,14 @@ QString RowStore::ItemText(int Index, int Column) const
     return Column >= 0 && Column < columns.size() ? columns[Column].trimmed() : QString();
 }
 
-QString RowStore::itemFile(int Index) const
+QString RowStore::ItemFile(int Index) const
 {
     return Index >= 0 && Index < Count() ? m_rows[size_t(Index)].file : QString();
+}
+
+QString RowStore::ItemTag(int Index) const
+{
+    return Index >= 0 && Index < Count() ? m_rows[size_t(Index)].tag : QString();
 }
 
 } // namespace qb::workbench

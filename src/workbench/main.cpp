@@ -2,6 +2,7 @@
 // opens the window.
 #include "workbench/entry_procedure.h"
 #include "workbench/main_window.h"
+#include "workbench/qt_translation.h"
 #include "workbench/qt_user_dialogs.h"
 
 #include <QApplication>
@@ -11,6 +12,7 @@ int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
     QCoreApplication::setApplicationVersion(QStringLiteral(QB_VERSION));
+    qb::workbench::InstallToolkitTranslation(app);
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("quillbox-desk")));
     qb::workbench::QtUserDialogs dialogs(nullptr);
     if (!qb::workbench::PrepareApplication(dialogs))

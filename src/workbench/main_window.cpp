@@ -11,6 +11,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QKeyEvent>
@@ -101,7 +102,11 @@ QString frmMain::CaptionText()
 
 bool frmMain::Load(const QStringList &arguments)
 {
-    cPrevInstance = new host::clsPrevInstance(host::clsPrevInstance::JoinCommandLine(arguments), this);
+    // Relative paths mean the caller's folder, also when another instance receives them.
+    cPrevInstance = new host::clsPrevInstance(
+        host::clsPrevInstance::JoinCommandLine(
+            host::clsPrevInstance::AbsoluteArguments(arguments, QDir::currentPath())),
+        this);
     if (cPrevInstance->PrevInstance(QString(), QString()) != 0)
         return false;
     connect(cPrevInstance,

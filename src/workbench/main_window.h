@@ -34,9 +34,10 @@ public:
     bool Enabled() const override { return m_list.Enabled(); }
     void setEnabled(bool on) override { m_list.setEnabled(on); }
     void SetRedraw(bool on) override { m_list.SetRedraw(on); }
-    void AddItem(const QString &ItemsText, const QString &FileName) override
+    void AddItem(const QString &ItemsText, const QString &FileName, const QString &Tag) override
     {
-        m_list.AddItem(ItemsText, FileName);
+        if (m_list.AddItem(ItemsText, FileName))
+            m_list.setItemTag(m_list.Count() - 1, Tag);
     }
     void Clear() override { m_list.Clear(); }
     int Count() const override { return m_list.Count(); }
@@ -44,6 +45,8 @@ public:
     void ItemRemove(int Index) override { m_list.ItemRemove(Index); }
     bool ItemSelected(int Index) const override { return m_list.ItemSelected(Index); }
     QString ItemText(int Index, int Column) const override { return m_list.ItemText(Index, Column); }
+    QString ItemFile(int Index) const override { return m_list.ItemFile(Index); }
+    QString ItemTag(int Index) const override { return m_list.ItemTag(Index); }
 
 private:
     controls::ctlListView &m_list;

@@ -33,8 +33,12 @@ int QtUserDialogs::MsgBoxTitled(const QString &Prompt, int Buttons, const QStrin
             ? kAnswerYes
             : kAnswerNo;
     }
-    if (Buttons & kCritical)
+    // The icon is one value of the bits 0x70, not a set of flags: 48 holds the bit of 16.
+    const int icon = Buttons & 0x70;
+    if (icon == kCritical)
         QMessageBox::critical(m_parent, Title, Prompt);
+    else if (icon == kExclamation)
+        QMessageBox::warning(m_parent, Title, Prompt);
     else
         QMessageBox::information(m_parent, Title, Prompt);
     return kAnswerOk;

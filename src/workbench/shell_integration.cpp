@@ -16,8 +16,9 @@ namespace qb::workbench {
 
 namespace {
 
-// Every file and every folder.
-const QString kOpensTypes = u"MimeType=application/octet-stream;inode/directory;\n"_s;
+// Every file (all types derive from this one) for "Open With"; folders are left out, since
+// claiming them could make the program the desktop's folder handler.
+const QString kOpensTypes = u"MimeType=application/octet-stream;\n"_s;
 
 // Desktop and applications folders may not exist yet on a fresh account.
 bool MakePathFor(const QString &path)

@@ -10,6 +10,7 @@ namespace qb::workbench {
 // Message box flags and answers, as the workbench uses them.
 inline constexpr int kYesNo = 4;
 inline constexpr int kCritical = 16;
+inline constexpr int kExclamation = 48;
 inline constexpr int kInformation = 64;
 inline constexpr int kAnswerOk = 1;
 inline constexpr int kAnswerYes = 6;

@@ -11,6 +11,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace qb::workbench {
@@ -30,6 +32,25 @@ constexpr int kCancelFailed = 8;
 QString fileNameOf(const QString &path)
 {
     return GetPathPart(path, u"/"_s, 1);
+}
+
+// The one word of the command line: the desktop's "open" entry puts it before a cabinet.
+const QString kOpenWord = u"--open"_s;
+
+// How many refused names one message lists before it only counts the rest.
+constexpr qsizetype kRefusedNamesShown = 20;
+
+// "\" separates folders inside a cabinet, so a name holding one would come out as another file;
+// a name that is not UTF-8 reached us as replacement characters and cannot be opened by them.
+bool storableInCabinet(const QString &path, const QString &basePath)
+{
+    const qsizetype slash = path.lastIndexOf(u'/');
+    QString folder = path.left(slash + 1);
+    if (!basePath.isEmpty() && basePath != u"/"_s)
+        folder.remove(basePath, Qt::CaseSensitive);
+    if (path.mid(slash + 1).contains(u'\\') || folder.contains(u'\\'))
+        return false;
+    return !path.contains(QChar::ReplacementCharacter) || QFileInfo::exists(path);
 }
 
 } // namespace
@@ -106,11 +127,32 @@ void Workbench::DropFile(const QStringList &dropped, const QString &inFile)
     m_strip.setCaption(u" "_s + QString::number(m_list.Count()) + u" 文件被添加"_s);
     setAddMenusEnabled(true);
     m_list.setEnabled(true);
+    reportRefused();
 }
 
 void Workbench::addRow(const QString &path)
 {
-    m_list.AddItem(PackageRowText(path, mBasePath, m_types), path);
+    if (!storableInCabinet(path, mBasePath)) {
+        m_refused.append(path);
+        return;
+    }
+    // The exact name goes with the row: its columns are for display and cannot keep every name.
+    const QString nameInCabinet = CabinetFolderOf(path, mBasePath) + path.mid(path.lastIndexOf(u'/') + 1);
+    m_list.AddItem(PackageRowText(path, mBasePath, m_types), path, nameInCabinet);
+}
+
+void Workbench::reportRefused()
+{
+    if (m_refused.isEmpty())
+        return;
+    const QStringList refused = std::exchange(m_refused, {});
+    QString text
+        = u"以下文件的名称无法存入 CAB 压缩包（含有 \"\\\" 或不是有效的 UTF-8 编码），没有添加，请改名后再添加："_s;
+    for (qsizetype i = 0; i < refused.size() && i < kRefusedNamesShown; ++i)
+        text += u"\r\n"_s + refused[i];
+    if (refused.size() > kRefusedNamesShown)
+        text += u"\r\n……共 "_s + QString::number(refused.size()) + u" 个文件"_s;
+    m_dialogs.MsgBox(text, kExclamation);
 }
 
 void Workbench::mnuAdd(int Index)
@@ -154,13 +196,19 @@ void Workbench::mnuAdd(int Index)
     WriteSetting(u"LastOpenFileFolder", GetPathPart(firstText, u"/"_s, 0));
 }
 
-void Workbench::cPrevInstance_PrevInstance(
-    const QString &, bool bReady, const QStringList &Files, const QStringList &Folders, const QStringList &)
+void Workbench::cPrevInstance_PrevInstance(const QString &sCommand, bool bReady, const QStringList &Files,
+    const QStringList &Folders, const QStringList &Parameters)
 {
     if (!bReady)
         return;
     if (restoreWindow)
         restoreWindow();
+    // The desktop's "open" entry: exactly the word and one cabinet, opened as the open menu does.
+    if (Parameters == QStringList {kOpenWord} && Files.size() == 1 && Folders.isEmpty()
+        && sCommand.startsWith(u'"' + kOpenWord + u"\" "_s)) {
+        OpenCabinet(Files.first());
+        return;
+    }
     // Words that are no paths are ignored.
     for (const QStringList *items : {&Files, &Folders}) {
         if (items->isEmpty())
@@ -234,25 +282,48 @@ void Workbench::BuildCabinet()
     mDirectivePath = CreateTempName(QString(), folder);
     folder.clear();
     mNoticePath = CreateTempName(QString(), folder);
-    WriteTextFile(NoticeText(), mNoticePath, false);
 
     QList<DirectiveEntry> entries;
     entries.reserve(m_list.Count());
     for (int i = 0; i < m_list.Count(); ++i) {
-        mSourceBytes += double(ReadGrouped(m_list.ItemText(i, kColumnSize)));
-        entries.append({m_list.ItemText(i, kColumnSource),
-            m_list.ItemText(i, kColumnFolder) + m_list.ItemText(i, kColumnName)});
+        // The file itself, not the size column: a name with "|" shifts the columns.
+        mSourceBytes += double(GetFileSizeBytes(m_list.ItemFile(i)));
+        entries.append({m_list.ItemFile(i), m_list.ItemTag(i)});
     }
-    const QString text = DirectiveText(mCabinetPath, mNoticePath,
-        CompressionLines(ReadSetting(u"CompressionType"), ReadSetting(u"CompressionMemory")), entries);
-    QFile directive(mDirectivePath);
-    if (directive.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        directive.write(text.toUtf8());
-    directive.close();
+    const QStringList compression = m_compressionLines.isEmpty()
+        ? CompressionLines(ReadSetting(u"CompressionType"), ReadSetting(u"CompressionMemory"))
+        : m_compressionLines;
+    const QString text = DirectiveText(mCabinetPath, mNoticePath, compression, entries);
+    // Without both files the maker would build something else than the list, or nothing.
+    QString failed;
+    if (mDirectivePath.isEmpty() || mNoticePath.isEmpty())
+        failed = GetTempDir().isEmpty() ? u"临时文件夹不存在"_s : GetTempDir();
+    else if (!WriteTextFile(NoticeText(), mNoticePath, false))
+        failed = mNoticePath;
+    else if (!writeWhole(mDirectivePath, text.toUtf8()))
+        failed = mDirectivePath;
+    if (!failed.isEmpty()) {
+        DeleteTempFiles();
+        ShowStatus(u"发生错误!"_s);
+        m_dialogs.MsgBox(u"无法写入临时文件，压缩包没有生成："_s + failed
+                + u"\r\n请检查临时文件夹（TMPDIR）是否存在、可写且有足够空间。"_s,
+            kCritical);
+        return;
+    }
 
     m_engine.setOnlyUseExtCommandLine(true);
     m_engine.setCommandLine(MakeCabCommandLine(gMakeCabPath, mDirectivePath));
     m_engine.StartProcess();
+}
+
+bool Workbench::writeWhole(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    const bool written = file.write(bytes) == bytes.size() && file.flush();
+    file.close();
+    return written && file.error() == QFileDevice::NoError;
 }
 
 void Workbench::onProgressChange(
@@ -363,11 +434,16 @@ void Workbench::mnuOpen()
     const ChosenFiles chosen = m_dialogs.GetOpenFiles(u"*.cab"_s, ReadSetting(u"LastOpenFileFolder"), false);
     if (chosen.cancelled())
         return;
+    OpenCabinet(AddBackslash(chosen.folder) + chosen.names.first());
+}
+
+void Workbench::OpenCabinet(const QString &path)
+{
     SetMenusEnabled(false);
     m_list.Clear();
     m_list.setEnabled(false);
     m_list.SetRedraw(false);
-    m_cab.setCabName(AddBackslash(chosen.folder) + chosen.names.first());
+    m_cab.setCabName(path);
     m_cab.GetInfo(QString());
     m_list.SetRedraw(true);
     m_list.setEnabled(true);
@@ -382,7 +458,7 @@ void Workbench::onFileFound(
         return;
     m_list.AddItem(FileName + u'|' + Path + u'|' + type + u'|' + FormatGrouped(Size) + u'|'
             + DefaultDateText(DateTime) + u'|',
-        FileName);
+        FileName, Path + FileName);
 }
 
 void Workbench::onRaiseError(long Number, const QString &, const QString &Description)
@@ -410,7 +486,7 @@ void Workbench::mnuExtract()
         QStringList selected;
         for (int i = 0; i < m_list.Count(); ++i) {
             if (m_list.ItemSelected(i))
-                selected.append(m_list.ItemText(i, kColumnFolder) + m_list.ItemText(i, kColumnName));
+                selected.append(m_list.ItemTag(i));
         }
         mExtractCount = 0;
         if (selected.isEmpty()) {

@@ -37,6 +37,9 @@ public:
     // Index 0: build under the default name; 1: ask for the name first.
     void mnuSave(int Index);
     void BuildCabinet();
+    // Compression lines for the directive file in place of those of the settings (a build from
+    // the command line chooses its own); empty: the settings decide.
+    void setCompressionLines(const QStringList &lines) { m_compressionLines = lines; }
     void mnuCancel();
     void CleanSetupFiles();
     void DeleteTempFiles();
@@ -44,10 +47,12 @@ public:
 
     // Opening and extracting.
     void mnuOpen();
+    // Opens a cabinet into the list, as the open menu does once a file is chosen.
+    void OpenCabinet(const QString &path);
     void mnuExtract();
 
     // A request from the command line or another instance: files, then folders; other words
-    // are ignored.
+    // are ignored, but for "--open" followed by one cabinet, which opens it.
     void cPrevInstance_PrevInstance(const QString &sCommand, bool bReady, const QStringList &Files,
         const QStringList &Folders, const QStringList &Parameters);
     // Brings a minimised or maximised window back to its normal state; set by the window.
@@ -73,6 +78,9 @@ public:
 
 private:
     void addRow(const QString &path);
+    // Tells the user which names an add could not take, once the add is over.
+    void reportRefused();
+    static bool writeWhole(const QString &path, const QByteArray &bytes);
     void onStatusChange(int Status, const QString &StatusText);
     void onProgressChange(int ProgressValue, int ProgressMax, int FPSSpeed, const QString &RemainderInfo,
         const QString &OutputInfo, bool LastStatusText);
@@ -92,6 +100,8 @@ private:
     TypeNames m_types;
     QDateTime m_buildStarted;
     std::function<QTime()> m_clock;
+    QStringList m_refused;
+    QStringList m_compressionLines;
 };
 
 } // namespace qb::workbench

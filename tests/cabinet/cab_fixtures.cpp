@@ -10,6 +10,12 @@
 #include <QTextStream>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <ctime>
+
 namespace qb::test {
 
 QString makeCabWithMakeCab(
@@ -133,6 +139,58 @@ QByteArray sampleBytes(qsizetype size, quint32 seed)
 qsizetype nameOffset(const QByteArray &cabinet, const QByteArray &name)
 {
     return cabinet.indexOf(name + '\0');
+}
+
+QByteArray captureStderr(const std::function<void()> &work)
+{
+    std::fflush(stderr);
+    std::FILE *sink = std::tmpfile();
+    EXPECT_NE(sink, nullptr);
+    if (!sink) {
+        work();
+        return {};
+    }
+    const int saved = ::dup(2);
+    ::dup2(::fileno(sink), 2);
+    work();
+    std::fflush(stderr);
+    ::dup2(saved, 2);
+    ::close(saved);
+    QByteArray text;
+    std::rewind(sink);
+    char buffer[4096];
+    for (size_t got; (got = std::fread(buffer, 1, sizeof buffer, sink)) > 0;)
+        text.append(buffer, qsizetype(got));
+    std::fclose(sink);
+    return text;
+}
+
+ScopedEnv::ScopedEnv(const char *name, const char *value)
+    : m_name(name)
+{
+    m_had = qEnvironmentVariableIsSet(name);
+    m_old = qgetenv(name);
+    ::setenv(name, value, 1);
+    ::tzset();
+}
+
+ScopedEnv::~ScopedEnv()
+{
+    if (m_had)
+        ::setenv(m_name.constData(), m_old.constData(), 1);
+    else
+        ::unsetenv(m_name.constData());
+    ::tzset();
+}
+
+qint64 mtimeOf(const QString &path)
+{
+    struct stat info
+    {
+    };
+    if (::stat(QFile::encodeName(path).constData(), &info) != 0)
+        return -1;
+    return qint64(info.st_mtim.tv_sec);
 }
 
 } // namespace qb::test

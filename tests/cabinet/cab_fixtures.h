@@ -12,6 +12,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace qb::test {
 
 struct CabEntry
@@ -62,5 +64,26 @@ QByteArray sampleBytes(qsizetype size, quint32 seed);
 
 // The offset of a file's name in a cabinet's file table (its bytes followed by NUL); -1 if absent.
 qsizetype nameOffset(const QByteArray &cabinet, const QByteArray &name);
+
+// What the process wrote to file descriptor 2 while work ran.
+QByteArray captureStderr(const std::function<void()> &work);
+
+// Sets an environment variable (and re-reads TZ) for one scope; the old value comes back after.
+class ScopedEnv
+{
+public:
+    ScopedEnv(const char *name, const char *value);
+    ~ScopedEnv();
+    ScopedEnv(const ScopedEnv &) = delete;
+    ScopedEnv &operator=(const ScopedEnv &) = delete;
+
+private:
+    QByteArray m_name;
+    QByteArray m_old;
+    bool m_had = false;
+};
+
+// The modification time of a file in whole seconds since the epoch; -1 if it has none.
+qint64 mtimeOf(const QString &path);
 
 } // namespace qb::test

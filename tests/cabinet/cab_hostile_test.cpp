@@ -2,6 +2,7 @@
 // Each must end in RaiseError or in right bytes, never in a crash or in wrong bytes on disk.
 #include "cab_fixtures.h"
 
+#include "cabinet/cab_errors.h"
 #include "util/cab_format.h"
 
 #include <QDir>
@@ -61,10 +62,14 @@ void survive(
     const QString out = tree.makeDir(QStringLiteral("hostile/out-") + label);
     clsCAB reader;
     reader.setCabName(path);
-    reader.FileCount();
-    reader.GetInfo(QString());
-    reader.GetXML(QString());
-    reader.Extract(QString(), out, QString());
+    // Whatever libmspack thinks of the cabinet, it must not print it.
+    const QByteArray printed = captureStderr([&] {
+        reader.FileCount();
+        reader.GetInfo(QString());
+        reader.GetXML(QString());
+        reader.Extract(QString(), out, QString());
+    });
+    EXPECT_EQ(printed.toStdString(), "");
     QDirIterator it(out, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (it.hasNext()) {
         const QString file = it.next();
@@ -139,5 +144,103 @@ TEST_P(HostileCabinet, CountsThatLie)
 }
 
 INSTANTIATE_TEST_SUITE_P(Compression, HostileCabinet, ::testing::Values("NONE", "MSZIP", "LZX"));
+
+// a.txt and b.bin in one MSZIP folder, as bytes to patch.
+QByteArray twoFileCabinet(TempTree &tree)
+{
+    return readAll(makeCabWithMakeCab(tree,
+        {{QStringLiteral("a.txt"), "first file"}, {QStringLiteral("b.bin"), sampleBytes(50000, 4)}},
+        QStringLiteral("MSZIP"), QStringLiteral("src/two.cab")));
+}
+
+void expectEvents(const ErrorLog &log, const QList<std::pair<long, QString>> &expected)
+{
+    ASSERT_EQ(log.errors.size(), expected.size());
+    for (qsizetype i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(log.errors[i].number, expected[i].first);
+        EXPECT_EQ(log.errors[i].source, QStringLiteral("CabFile"));
+        EXPECT_EQ(log.errors[i].description, expected[i].second);
+    }
+}
+
+constexpr long kNote = qb::cabinet::kErrLibraryMessage;
+
+TEST(LibraryMessages, AWarningOnAReadableCabinetIsANoteAndTheFilesComeOut)
+{
+    TempTree tree;
+    QByteArray bytes = twoFileCabinet(tree);
+    bytes[24] = 0; // version 2.0
+    bytes[25] = 2;
+    clsCAB reader;
+    reader.setCabName(tree.writeFile(QStringLiteral("v2.cab"), bytes));
+    ErrorLog log(reader);
+    long count = 0;
+    const QString out = tree.makeDir(QStringLiteral("out"));
+    bool extracted = false;
+    const QByteArray printed = captureStderr([&] {
+        count = reader.FileCount();
+        extracted = reader.Extract(QString(), out, QString());
+    });
+    EXPECT_EQ(printed.toStdString(), "");
+    EXPECT_EQ(count, 2);
+    EXPECT_TRUE(extracted);
+    EXPECT_EQ(readAll(out + QStringLiteral("/b.bin")), sampleBytes(50000, 4));
+    // Once per opening, nothing more.
+    expectEvents(log,
+        {{kNote, QStringLiteral("libmspack: cabinet version is not 1.3")},
+            {kNote, QStringLiteral("libmspack: cabinet version is not 1.3")}});
+}
+
+TEST(LibraryMessages, TheNoteComesBeforeTheFailureItExplains)
+{
+    TempTree tree;
+    QByteArray noFiles = twoFileCabinet(tree);
+    noFiles[28] = 0;
+    noFiles[29] = 0;
+    clsCAB reader;
+    reader.setCabName(tree.writeFile(QStringLiteral("none.cab"), noFiles));
+    ErrorLog log(reader);
+    EXPECT_EQ(captureStderr([&] { EXPECT_EQ(reader.FileCount(), 0); }).toStdString(), "");
+    expectEvents(log,
+        {{kNote, QStringLiteral("libmspack: no files in cabinet.")}, {13, QStringLiteral("Invalid data.")}});
+
+    // A message about no open file (libmspack passes none) still finds its reader.
+    QByteArray pastFolder = twoFileCabinet(tree);
+    const qsizetype entry = nameOffset(pastFolder, "b.bin") - qsizetype(qb::cab::kFileEntryFixedSize);
+    ASSERT_GT(entry, 0);
+    pastFolder[entry + 7] = 0x10; // its offset in the folder: 256 MiB
+    reader.setCabName(tree.writeFile(QStringLiteral("past.cab"), pastFolder));
+    log.errors.clear();
+    const QString out = tree.makeDir(QStringLiteral("past"));
+    EXPECT_EQ(
+        captureStderr([&] { EXPECT_TRUE(reader.Extract(QString(), out, QString())); }).toStdString(), "");
+    expectEvents(log,
+        {{kNote, QStringLiteral("libmspack: file \"b.bin\" cannot be extracted, cabinet set is incomplete")},
+            {13, QStringLiteral("Invalid data.")}});
+    EXPECT_EQ(readAll(out + QStringLiteral("/a.txt")), QByteArray("first file"));
+    EXPECT_EQ(QDir(out).entryList(QDir::Files | QDir::Hidden), QStringList {QStringLiteral("a.txt")});
+}
+
+TEST(LibraryMessages, GoToTheReaderThatCausedThem)
+{
+    TempTree tree;
+    QByteArray bytes = twoFileCabinet(tree);
+    bytes[24] = 0;
+    bytes[25] = 2;
+    const QString odd = tree.writeFile(QStringLiteral("v2.cab"), bytes);
+    clsCAB outer;
+    outer.setCabName(tree.path(QStringLiteral("src/two.cab")));
+    ErrorLog outerLog(outer);
+    clsCAB inner;
+    inner.setCabName(odd);
+    ErrorLog innerLog(inner);
+    // A handler of one reader runs another, inside the first one's walk.
+    QObject::connect(&outer, &clsCAB::FileFound,
+        [&](const QString &, const QDateTime &, qint64, const QString &) { inner.FileCount(); });
+    EXPECT_TRUE(outer.GetInfo(QString()));
+    EXPECT_TRUE(outerLog.errors.isEmpty());
+    EXPECT_EQ(innerLog.errors.size(), 2);
+    EXPECT_TRUE(innerLog.has(kNote));
+}
 
 } // namespace

@@ -1,5 +1,5 @@
 // Cabinets from gcab and makecab, read by clsCAB: the listing must match cabextract's and every
-// file must come out byte for byte.
+// file must come out byte for byte, as cabextract, 7-Zip and bsdtar unpack it.
 #include "cab_fixtures.h"
 
 #include <QDir>
@@ -28,6 +28,19 @@ QList<CabEntry> sampleEntries()
         {QStringLiteral("b&<c.txt"), QByteArray("amp and less")},
         {QStringLiteral("zz\\tail.bin"), sampleBytes(70000, 4)},
     };
+}
+
+const QStringList kExtractors {QStringLiteral("cabextract"), QStringLiteral("7zz"), QStringLiteral("bsdtar")};
+
+// One outside extractor unpacks the whole cabinet into folder; names in UTF-8 whatever the locale.
+ToolRun extractWith(const QString &tool, const QString &cab, const QString &folder)
+{
+    const ScopedEnv utf8("LC_ALL", "C.UTF-8");
+    if (tool == QLatin1String("7zz"))
+        return runTool(tool, {QStringLiteral("x"), QStringLiteral("-y"), QStringLiteral("-o") + folder, cab});
+    if (tool == QLatin1String("bsdtar"))
+        return runTool(tool, {QStringLiteral("-x"), QStringLiteral("-f"), cab, QStringLiteral("-C"), folder});
+    return runTool(tool, {QStringLiteral("-q"), QStringLiteral("-d"), folder, cab});
 }
 
 // Every regular file below a folder, relative, "/" between folders.
@@ -99,13 +112,17 @@ TEST_P(ReaderOracle, ExtractsEveryFileByteExact)
     // Nothing else: no scratch file left behind.
     EXPECT_EQ(filesBelow(out), expectedFiles);
 
-    // The same, cross-checked with cabextract's own output.
-    const QString theirs = tree.makeDir(QStringLiteral("theirs"));
-    ASSERT_EQ(runTool(QStringLiteral("cabextract"), {QStringLiteral("-q"), QStringLiteral("-d"), theirs, cab})
-                  .exitCode,
-        0);
-    for (const QString &relative : expectedFiles)
-        EXPECT_EQ(readAll(out + u'/' + relative), readAll(theirs + u'/' + relative));
+    // The same files, and only they, from each outside extractor.
+    for (const QString &tool : kExtractors) {
+        SCOPED_TRACE(tool.toStdString());
+        const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
+        const ToolRun run = extractWith(tool, cab, theirs);
+        ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
+        EXPECT_EQ(filesBelow(theirs), expectedFiles);
+        for (const QString &relative : expectedFiles)
+            EXPECT_EQ(readAll(out + u'/' + relative), readAll(theirs + u'/' + relative))
+                << relative.toStdString();
+    }
 }
 
 TEST_P(ReaderOracle, ExtractsSelectedNames)
@@ -145,6 +162,37 @@ INSTANTIATE_TEST_SUITE_P(Makers, ReaderOracle,
         Maker {"MakecabNone", false, "NONE"}, Maker {"MakecabMszip", false, "MSZIP"},
         Maker {"MakecabLzx", false, "LZX"}),
     [](const ::testing::TestParamInfo<Maker> &info) { return std::string(info.param.label); });
+
+// 85 CJK characters are 255 bytes in UTF-8: the longest name a cabinet stores and Linux allows.
+TEST(Reader, ExtractsTheLongestNameAsTheOtherExtractorsDo)
+{
+    TempTree tree;
+    QString name;
+    for (int i = 0; i < 85; ++i)
+        name += QChar(0x4E00 + i * 7);
+    ASSERT_EQ(name.toUtf8().size(), 255);
+    const QByteArray bytes = sampleBytes(5000, 21);
+    const QString cab = makeCabWithMakeCab(
+        tree, {{name, bytes}, {QStringLiteral("d\\") + name.left(80), "deeper"}}, QStringLiteral("MSZIP"));
+    clsCAB reader;
+    reader.setCabName(cab);
+    ErrorLog log(reader);
+    const QString out = tree.makeDir(QStringLiteral("ours"));
+    ASSERT_TRUE(reader.Extract(QString(), out, QString()));
+    EXPECT_TRUE(log.errors.isEmpty()) << (log.errors.isEmpty() ? 0 : log.errors[0].number);
+    const QStringList expected {QStringLiteral("d/") + name.left(80), name};
+    EXPECT_EQ(filesBelow(out), expected);
+    EXPECT_EQ(readAll(out + u'/' + name), bytes);
+    for (const QString &tool : kExtractors) {
+        SCOPED_TRACE(tool.toStdString());
+        const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
+        const ToolRun run = extractWith(tool, cab, theirs);
+        EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
+        EXPECT_EQ(filesBelow(theirs), expected);
+        for (const QString &relative : expected)
+            EXPECT_EQ(readAll(theirs + u'/' + relative), readAll(out + u'/' + relative));
+    }
+}
 
 TEST(Reader, ExtractsBesideTheCabinetWhenNoFolderIsGiven)
 {

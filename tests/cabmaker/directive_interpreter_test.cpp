@@ -207,7 +207,8 @@ INSTANTIATE_TEST_SUITE_P(Directive, DirectiveErrorTable,
             u"t.ddf(1): '..\\y.txt' climbs out with '..'; a name in the cabinet must stay inside it"},
         ErrorCase {u"a.txt x\\\\y.txt", u"t.ddf(1): 'x\\\\y.txt' has an empty or '.' part"},
         ErrorCase {u"a.txt x\\.\\y.txt", u"t.ddf(1): 'x\\.\\y.txt' has an empty or '.' part"},
-        ErrorCase {u"a.txt \"x\ty\"", u"t.ddf(1): 'x?y' holds a control character"},
+        ErrorCase {u"a.txt \"x%#0%y\"",
+            u"t.ddf(1): '%#0%' is not a character: write %#N% with N from 1 to 1114111, not a surrogate"},
         ErrorCase {u"a.txt /colour=red", u"t.ddf(1): unknown parameter '/colour'"},
         ErrorCase {u"a.txt /DATE=13/01/2020",
             u"t.ddf(1): '13/01/2020' is not a date (/date=MM/DD/YYYY, from 1980 to 2107)"},
@@ -235,6 +236,16 @@ TEST_F(DirectiveTest, SubstitutesVariablesOncePerLine)
         << testing::PrintToString(errors());
     EXPECT_EQ(folders(), std::vector<std::string> {"q.txt|100%.txt|x%a%y.txt|sub2\\q.txt"});
     EXPECT_EQ(utf8(interpreter.plan().folders[0].files[1].sourcePath), utf8(tree.path(u"100%.txt"_s)));
+}
+
+// Names a Linux user may have: line ends only as references, the rest as written.
+TEST_F(DirectiveTest, ControlCharactersPassIntoNames)
+{
+    ASSERT_TRUE(run(u"a.txt \"tab\there\"\n"
+                    "a.txt \"two%#13%%#10%lines\"\n"
+                    "a.txt \"%#37%#10%%\"\n"_s))
+        << testing::PrintToString(errors());
+    EXPECT_EQ(folders(), std::vector<std::string> {"tab\there|two\r\nlines|%#10%"});
 }
 
 TEST_F(DirectiveTest, ExpansionThatKeepsDoublingStopsAtTheLineLimit)

@@ -90,6 +90,25 @@ TEST(DirectiveLexer, ExpandsKnownNamesInAnyCaseAndOnlyOnce)
     EXPECT_EQ(utf8(ExpandVariables(u"%%%", lookup).error), "a '%' is not closed (write %% for a single '%')");
 }
 
+TEST(DirectiveLexer, CharacterReferences)
+{
+    const VariableLookup none = [](const QString &) { return std::nullopt; };
+    const Expansion lineEnds = ExpandVariables(u"\"a%#13%%#10%b\t%#9%\"", none);
+    EXPECT_EQ(utf8(lineEnds.text), "\"a\r\nb\t\t\"");
+    EXPECT_TRUE(lineEnds.error.isEmpty());
+    // What a reference yields is never read again: "%#37%" and "#10%" stay as they are.
+    EXPECT_EQ(utf8(ExpandVariables(u"%#37%#10%#37%", none).text), "%#10%");
+    EXPECT_EQ(utf8(ExpandVariables(u"%#1%%#20013%%#128512%%#1114111%", none).text),
+        "\x01\u4e2d\U0001F600\U0010FFFF");
+    EXPECT_EQ(utf8(ExpandVariables(u"%#0010%", none).text), "\n");
+    const std::string bad = "is not a character: write %#N% with N from 1 to 1114111, not a surrogate";
+    for (const char16_t *text : {u"%#0%", u"%#%", u"%#55296%", u"%#57343%", u"%#1114112%", u"%#1a%", u"%#-5%",
+             u"%# 5%", u"%#99999999999999999999999%"}) {
+        const Expansion e = ExpandVariables(text, none);
+        EXPECT_NE(utf8(e.error).find(bad), std::string::npos) << utf8(QString::fromUtf16(text));
+    }
+}
+
 TEST(DirectiveLexer, RecognisesDirectivesAndAssignments)
 {
     EXPECT_TRUE(IsDirectiveLine(u"  .Set x=1"));

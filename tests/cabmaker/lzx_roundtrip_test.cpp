@@ -15,6 +15,7 @@
 
 #include <mspack.h>
 
+#include <algorithm>
 #include <functional>
 #include <string_view>
 #include <vector>
@@ -521,7 +522,10 @@ TEST_P(LzxMakeCab, EveryDecoderGetsEveryFolderBack)
 
     // Without this a cabinet that fell back to another method would pass unnoticed.
     const QList<quint16> types = folderTypes(qb::test::readAll(cabinet));
-    EXPECT_EQ(types.size(), entries.size());
+    // An empty file has no folder of its own: it joins its neighbour's.
+    const auto withData
+        = std::count_if(entries.begin(), entries.end(), [](const Entry &e) { return !e.bytes.isEmpty(); });
+    EXPECT_EQ(types.size(), withData);
     for (const quint16 type : types)
         EXPECT_EQ(type, qb::cab::lzxCompressionType(row.window));
 

@@ -11,6 +11,7 @@
 using qb::cabmaker::CompressedFileName;
 using qb::cabmaker::RunMakeCab;
 using qb::test::TempTree;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -229,7 +230,8 @@ TEST(MakeCabCommand, BadCommandLines)
     TempTree tree;
     const QList<QStringList> cases {
         {},
-        {QStringLiteral("/X")},
+        {QStringLiteral("-v")}, // an option, so no source is given
+        {QStringLiteral("--"), QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")},
         {QStringLiteral("/F")},
         {QStringLiteral("/D"), QStringLiteral("novalue")},
         {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")},
@@ -256,5 +258,104 @@ TEST(MakeCabCommand, UnwritableReportIsOnlyAWarning)
     // Without a disk folder named, the default "DISK1" is made.
     EXPECT_TRUE(QFileInfo::exists(tree.path(QStringLiteral("DISK1/1.cab"))));
 }
+
+// Only the tool's own options are options: any other argument starting with "/" or "-" is a path.
+TEST(MakeCabCommand, AbsolutePathsAndTheEndOfOptions)
+{
+    TempTree tree;
+    const QString source = tree.writeFile(u"in/a.txt"_qs, "absolute");
+    tree.writeFile(u"-v"_qs, "dash");
+    tree.makeDir(u"out"_qs);
+    const QString elsewhere = tree.makeDir(u"cwd"_qs);
+
+    Result r = makecab({source}, elsewhere);
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(extractOne(tree, tree.path(u"cwd/a.tx_"_qs), u"a.txt"_qs), QByteArray("absolute"));
+
+    r = makecab({source, tree.path(u"out/x.cab"_qs)}, elsewhere);
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_EQ(extractOne(tree, tree.path(u"out/x.cab"_qs), u"a.txt"_qs), QByteArray("absolute"));
+
+    r = makecab({u"/V0"_qs, u"--"_qs, u"-v"_qs, u"-V1.cab"_qs}, tree.root());
+    ASSERT_EQ(r.status, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.out.isEmpty()) << "/V0 before -- is still an option";
+    EXPECT_EQ(extractOne(tree, tree.path(u"-V1.cab"_qs), u"-v"_qs), QByteArray("dash"));
+
+    // A path that looks like no option is a path, even a missing one.
+    r = makecab({u"/X"_qs}, tree.root());
+    EXPECT_EQ(r.status, 1);
+    EXPECT_TRUE(r.err.contains(u"cannot find '/X'"_qs)) << r.err.toStdString();
+}
+
+struct OptionCase
+{
+    const char *spelling;
+    char option; // which one, whatever the spelling
+};
+
+class MakeCabOption : public ::testing::TestWithParam<OptionCase>
+{
+};
+
+TEST_P(MakeCabOption, EachSpellingActs)
+{
+    TempTree tree;
+    const QString spelling = QString::fromLatin1(GetParam().spelling);
+    tree.writeFile(u"src.txt"_qs, QByteArray(3000, 'q'));
+    tree.makeDir(u"outdir"_qs);
+    tree.writeFile(u"run.ddf"_qs,
+        ".Set CabinetNameTemplate=ddf.cab\n.Set DiskDirectory1=\n.Set RptFileName=NUL\n"
+        ".Set InfFileName=NUL\nsrc.txt\n");
+    switch (GetParam().option) {
+    case 'F': {
+        const Result r = makecab({spelling, u"run.ddf"_qs}, tree.root());
+        ASSERT_EQ(r.status, 0) << r.err.toStdString();
+        EXPECT_EQ(extractOne(tree, tree.path(u"ddf.cab"_qs), u"src.txt"_qs), QByteArray(3000, 'q'));
+        break;
+    }
+    case 'D': {
+        const Result r
+            = makecab({spelling, u"CompressionType=NONE"_qs, u"src.txt"_qs, u"x.cab"_qs}, tree.root());
+        ASSERT_EQ(r.status, 0) << r.err.toStdString();
+        EXPECT_GT(QFileInfo(tree.path(u"x.cab"_qs)).size(), 3000) << "stored, not compressed";
+        break;
+    }
+    case 'L': {
+        const Result r = makecab({spelling, u"outdir"_qs, u"src.txt"_qs, u"x.cab"_qs}, tree.root());
+        ASSERT_EQ(r.status, 0) << r.err.toStdString();
+        EXPECT_TRUE(QFileInfo::exists(tree.path(u"outdir/x.cab"_qs)));
+        break;
+    }
+    case '0':
+    case '1':
+    case '2': {
+        const Result r = makecab({spelling, u"src.txt"_qs, u"x.cab"_qs}, tree.root());
+        ASSERT_EQ(r.status, 0) << r.err.toStdString();
+        EXPECT_EQ(r.out.contains(u"100.00% - src.txt (1 of 1)"_qs), GetParam().option != '0')
+            << r.out.toStdString();
+        EXPECT_EQ(r.out.contains(u"folder 1: 1 files"_qs), GetParam().option == '2') << r.out.toStdString();
+        break;
+    }
+    case '?': {
+        const Result r = makecab({spelling}, tree.root());
+        EXPECT_EQ(r.status, 0);
+        EXPECT_TRUE(r.out.contains(u"usage: makecab"_qs)) << r.out.toStdString();
+        break;
+    }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Spellings, MakeCabOption,
+    ::testing::Values(OptionCase {"/F", 'F'}, OptionCase {"-F", 'F'}, OptionCase {"/f", 'F'},
+        OptionCase {"-f", 'F'}, OptionCase {"/D", 'D'}, OptionCase {"-d", 'D'}, OptionCase {"/L", 'L'},
+        OptionCase {"-l", 'L'}, OptionCase {"/V", '1'}, OptionCase {"-v", '1'}, OptionCase {"/V0", '0'},
+        OptionCase {"-v0", '0'}, OptionCase {"/v2", '2'}, OptionCase {"-V2", '2'}, OptionCase {"/?", '?'},
+        OptionCase {"-?", '?'}),
+    [](const auto &info) {
+        std::string name = info.param.spelling;
+        for (char &c : name)
+            c = c == '/' ? 'S' : c == '-' ? 'M' : c == '?' ? 'Q' : c;
+        return name + "_" + std::to_string(info.index);
+    });
 
 } // namespace

@@ -1,5 +1,5 @@
-// Cabinets made by makecab, checked by outside tools: cabextract, 7-Zip and gcab must list,
-// test and extract them, byte for byte.
+// Cabinets made by makecab, checked by outside tools: cabextract, 7-Zip and bsdtar must extract
+// them byte for byte, and gcab must list them.
 #include "cabmaker/makecab_command.h"
 
 #include "sample_data.h"
@@ -55,6 +55,7 @@ struct Entry
 {
     QString name; // in the cabinet, with "\"
     QByteArray bytes;
+    QString before = {}; // a directive line written before the file's line
 };
 
 // Writes the entries' sources under src/, a directive file, runs makecab, and returns the cabinet path.
@@ -69,6 +70,8 @@ QString buildCabinet(
     int i = 0;
     for (const Entry &entry : entries) {
         const QString source = tree.writeFile(QStringLiteral("src/%1.bin").arg(i++), entry.bytes);
+        if (!entry.before.isEmpty())
+            directive += entry.before + QStringLiteral("\r\n");
         directive += fileLine(source, entry.name);
     }
     tree.makeDir(QStringLiteral("out"));
@@ -81,7 +84,20 @@ QString buildCabinet(
     return tree.path(QStringLiteral("out/test.cab"));
 }
 
-// Checks a cabinet with all three outside tools and compares what cabextract and 7-Zip extract.
+const QStringList kExtractors {QStringLiteral("cabextract"), QStringLiteral("7zz"), QStringLiteral("bsdtar")};
+
+// The files below a folder, by path relative to it, sorted.
+QStringList filesBelow(const QString &folder)
+{
+    QStringList names;
+    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        names << it.next().mid(folder.size() + 1);
+    names.sort();
+    return names;
+}
+
+// Checks a cabinet with the outside tools and compares what cabextract, 7-Zip and bsdtar extract.
 // gcab refuses a cabinet that holds a name twice, so it is left out there.
 void verifyWithOracles(
     TempTree &tree, const QString &cabinet, const QList<Entry> &entries, bool askGcab = true)
@@ -104,12 +120,12 @@ void verifyWithOracles(
     for (const Entry &entry : entries)
         expected[QString(entry.name).replace(u'\\', u'/')] = entry.bytes;
 
-    for (const QString &tool : {QStringLiteral("cabextract"), QStringLiteral("7zz")}) {
-        const QString into = tree.makeDir(QStringLiteral("x-") + tool);
-        const ToolRun extract = tool == u"7zz"
-            ? runTool(tool, {QStringLiteral("x"), QStringLiteral("-y"), QStringLiteral("-o") + into, cabinet})
-            : runTool(tool, {QStringLiteral("-q"), QStringLiteral("-d"), into, cabinet});
-        EXPECT_EQ(extract.exitCode, 0) << tool.toStdString() << ": " << extract.output.toStdString();
+    for (const QString &tool : kExtractors) {
+        const QString into = tree.path(QStringLiteral("x-") + tool);
+        QString output;
+        EXPECT_EQ(qb::test::ExtractCabinet(tool, cabinet, into, &output), 0)
+            << tool.toStdString() << ": " << output.toStdString();
+        EXPECT_EQ(filesBelow(into), QStringList(expected.keys())) << tool.toStdString();
         for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
             const QByteArray got = qb::test::readAll(into + u'/' + it.key());
             EXPECT_EQ(got.size(), it.value().size()) << tool.toStdString() << ": " << it.key().toStdString();
@@ -189,5 +205,100 @@ TEST_P(MakeCabOracle, OneHundredMegabyteFile)
 INSTANTIATE_TEST_SUITE_P(Compression, MakeCabOracle,
     ::testing::Values(".Set Compress=OFF", ".Set CompressionType=MSZIP"),
     [](const auto &info) { return std::string(info.index == 0 ? "None" : "MsZip"); });
+
+// A folder of empty files only has no data blocks, and libarchive refuses a cabinet in which such
+// a folder starts where the next one does; where it stands must not matter.
+struct EmptyFolderCase
+{
+    const char *name;
+    QList<Entry> entries;
+};
+
+class MakeCabEmptyFolder : public ::testing::TestWithParam<EmptyFolderCase>
+{
+};
+
+TEST_P(MakeCabEmptyFolder, EveryReaderTakesTheCabinet)
+{
+    TempTree tree;
+    const QString cabinet
+        = buildCabinet(tree, GetParam().entries, QStringLiteral(".Set CompressionType=NONE"));
+    verifyWithOracles(tree, cabinet, GetParam().entries);
+}
+
+const QString kLzx = QStringLiteral(".Set CompressionType=LZX");
+const QString kMsZip = QStringLiteral(".Set CompressionType=MSZIP");
+const QString kNone = QStringLiteral(".Set CompressionType=NONE");
+
+INSTANTIATE_TEST_SUITE_P(Layouts, MakeCabEmptyFolder,
+    ::testing::Values(
+        EmptyFolderCase {"EmptyThenData", {{u"empty.txt"_qs, {}}, {u"one.txt"_qs, "one", kLzx}}},
+        EmptyFolderCase {"DataThenEmpty", {{u"one.txt"_qs, "one"}, {u"empty.txt"_qs, {}, kLzx}}},
+        EmptyFolderCase {"EmptyBetween",
+            {{u"a.txt"_qs, WordSoup(40000, 1), kMsZip}, {u"e1"_qs, {}, kLzx}, {u"e2"_qs, {}},
+                {u"b.txt"_qs, WordSoup(50000, 2), kNone}}},
+        EmptyFolderCase {"OnlyEmptyInTwoFolders", {{u"e1"_qs, {}}, {u"e2"_qs, {}, kLzx}}},
+        EmptyFolderCase {"OnlyEmpty", {{u"e1"_qs, {}}, {u"e2"_qs, {}}}}),
+    [](const auto &info) { return std::string(info.param.name); });
+
+// Names a Linux user may give files, written into the directive file the way the desktop program
+// does it: in quotes, with "" for a quote, %% for "%" and %#13% and %#10% for the line ends.
+QString desktopQuoted(QString text)
+{
+    text.replace(u'%', QStringLiteral("%%")).replace(u'"', QStringLiteral("\"\""));
+    text.replace(u'\r', QStringLiteral("%#13%")).replace(u'\n', QStringLiteral("%#10%"));
+    return u'"' + text + u'"';
+}
+
+TEST(MakeCabNames, HostileNamesPassThroughExactly)
+{
+    TempTree tree;
+    QStringList names {u"pipe|name.txt"_qs, u"  blanks around  "_qs, u"tab\there.txt"_qs, u"new\nline.txt"_qs,
+        u"carriage\rreturn.txt"_qs, u"50% of %PATH% %%.txt"_qs, u"say \"hi\" \"\".txt"_qs, u"中文名字.txt"_qs,
+        u"semi ;colon.txt"_qs};
+    names << QString(85, QChar(0x6587)); // 255 bytes of UTF-8
+    ASSERT_EQ(names.last().toUtf8().size(), 255);
+
+    // A source path of 4,000 characters, folders of 200.
+    QString deep;
+    while (deep.size() < 3900)
+        deep += QString(199, QChar(char16_t(u'd' + deep.size() / 200 % 20))) + u'/';
+    const QString deepSource = tree.writeFile(deep + u"deep.txt"_qs, "deep down");
+    ASSERT_GE(deepSource.size(), 4000);
+
+    QString directive = u".Set CabinetNameTemplate=%1\n.Set DiskDirectory1=\n.Set InfFileName=NUL\n"
+                        ".Set RptFileName=NUL\n.Set CompressionType=MSZIP\n"_qs.arg(
+                            desktopQuoted(tree.path(u"out/names.cab"_qs)));
+    QMap<QString, QByteArray> expected;
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        const QByteArray bytes = WordSoup(1000 + i * 77, quint32(i));
+        // The source has the hostile name too.
+        const QString source = tree.writeFile(u"src/"_qs + names[i], bytes);
+        directive += desktopQuoted(source) + u' ' + desktopQuoted(names[i]) + u'\n';
+        expected[names[i]] = bytes;
+        // In a folder as well, where the 255 bytes of the whole name leave room.
+        if (names[i].toUtf8().size() < 250) {
+            directive += desktopQuoted(source) + u' ' + desktopQuoted(u"dir\\"_qs + names[i]) + u'\n';
+            expected[u"dir/"_qs + names[i]] = bytes;
+        }
+    }
+    directive += desktopQuoted(deepSource) + u'\n';
+    expected[u"deep.txt"_qs] = "deep down";
+    tree.makeDir(u"out"_qs);
+    tree.writeFile(u"names.ddf"_qs, directive.toUtf8());
+    const MakeCabRun run = makecab({u"/F"_qs, tree.path(u"names.ddf"_qs)}, tree.root());
+    ASSERT_EQ(run.status, 0) << run.err.toStdString();
+
+    for (const QString &tool : kExtractors) {
+        const QString into = tree.path(u"x-"_qs + tool);
+        QString output;
+        EXPECT_EQ(qb::test::ExtractCabinet(tool, tree.path(u"out/names.cab"_qs), into, &output), 0)
+            << tool.toStdString() << ": " << output.toStdString();
+        EXPECT_EQ(filesBelow(into), QStringList(expected.keys())) << tool.toStdString();
+        for (auto it = expected.cbegin(); it != expected.cend(); ++it)
+            EXPECT_TRUE(qb::test::readAll(into + u'/' + it.key()) == it.value())
+                << tool.toStdString() << ": " << it.key().toStdString();
+    }
+}
 
 } // namespace

@@ -1,6 +1,8 @@
 // Seeded data generators and a zlib inflater for the encoder tests.
 #include "sample_data.h"
 
+#include <QDir>
+#include <QProcess>
 #include <QRandomGenerator>
 #include <gtest/gtest.h>
 #include <zlib.h>
@@ -53,6 +55,28 @@ QByteArray InflateRaw(const QByteArray &stream, const QByteArray &history, qsize
     out.resize(status == Z_STREAM_END ? out.size() - qsizetype(z.avail_out) : 0);
     inflateEnd(&z);
     return out;
+}
+
+int ExtractCabinet(const QString &tool, const QString &cabinet, const QString &into, QString *output)
+{
+    QDir().mkpath(into);
+    QStringList args;
+    if (tool == u"7zz")
+        args = {QStringLiteral("x"), QStringLiteral("-y"), QStringLiteral("-o") + into, cabinet};
+    else if (tool == u"bsdtar")
+        args = {QStringLiteral("-x"), QStringLiteral("-f"), cabinet, QStringLiteral("-C"), into};
+    else
+        args = {QStringLiteral("-q"), QStringLiteral("-d"), into, cabinet};
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    process.setProcessEnvironment(environment);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(tool, args);
+    process.waitForFinished(120000);
+    if (output)
+        *output = QString::fromUtf8(process.readAll());
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 
 } // namespace qb::test

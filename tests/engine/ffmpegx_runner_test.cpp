@@ -492,6 +492,8 @@ TEST_F(Runner, WaitingHelpersAndClosingAProcess)
 
     EXPECT_TRUE(ffx.ShellAndWait(u"echo $((1+1)) > '"_s + tree.path(u"shell.txt"_s) + u"'"_s, false));
     EXPECT_EQ(test::readAll(tree.path(u"shell.txt"_s)), "2\n");
+    // One argument above the kernel's 128 KiB limit: the shell cannot start, and says so.
+    EXPECT_FALSE(ffx.ShellAndWait(u"true "_s + QString(200000, u'x'), false));
 
     QProcess sleeper;
     sleeper.start(u"/bin/sleep"_s, {u"30"_s});

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -191,6 +192,53 @@ TEST_F(PrevInstanceTest, PiecesAreFilesFoldersOrWords)
         EXPECT_EQ(r.folders, cases[i].folders) << cases[i].command.toStdString();
         EXPECT_EQ(r.parameters, cases[i].parameters) << cases[i].command.toStdString();
     }
+}
+
+TEST_F(PrevInstanceTest, OversizeRequestArrivesCutAtTheLimit)
+{
+    clsPrevInstance first {QString()};
+    Receiver receiver(first);
+    first.PrevInstance(QString(), QString());
+    first.setReady(true);
+    // A three-byte character straddles the limit: it goes whole, not as a broken half.
+    const QString kept = u"\"word"_s + QString(clsPrevInstance::kLargestRequest - 6, u'x');
+    const QByteArray request = (kept + u"中"_s + QString(5000, u'y')).toUtf8();
+    // Sent from a thread of its own, since the receiver reads on this one.
+    const QByteArray path = QFile::encodeName(QDir::tempPath() + u'/' + clsPrevInstance::RendezvousName());
+    std::thread sender([&] {
+        const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        sockaddr_un address {};
+        address.sun_family = AF_UNIX;
+        std::memcpy(address.sun_path, path.constData(), size_t(path.size()));
+        if (::connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0) {
+            qsizetype sent = 0;
+            while (sent < request.size()) {
+                const ssize_t n
+                    = ::send(fd, request.constData() + sent, size_t(request.size() - sent), MSG_NOSIGNAL);
+                if (n <= 0)
+                    break; // the receiver stops listening at its limit
+                sent += n;
+            }
+        }
+        ::close(fd);
+    });
+    const bool arrived = receiver.waitFor(1);
+    sender.join();
+    ASSERT_TRUE(arrived);
+    EXPECT_EQ(receiver.requests[0].command.size(), kept.size());
+    EXPECT_EQ(receiver.requests[0].command, kept);
+}
+
+TEST_F(PrevInstanceTest, RelativeArgumentsAreMadeAbsoluteInTheCallersFolder)
+{
+    const QString file = tree.writeFile(u"data/same.txt"_s, "x");
+    tree.writeFile(u"data/sub dir/b c.txt"_s, "x");
+    const QString caller = tree.path(u"data"_s);
+    const QStringList given {u"same.txt"_s, u"sub dir/b c.txt"_s, u"sub dir"_s, u"../data/same.txt"_s, file,
+        u"no-such.txt"_s, u"--flag"_s, QString()};
+    const QStringList expected {file, caller + u"/sub dir/b c.txt"_s, caller + u"/sub dir"_s,
+        caller + u"/../data/same.txt"_s, file, u"no-such.txt"_s, u"--flag"_s, QString()};
+    EXPECT_EQ(clsPrevInstance::AbsoluteArguments(given, caller), expected);
 }
 
 TEST(PrevInstanceNames, JoinedArgumentsSplitBack)

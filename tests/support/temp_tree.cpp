@@ -6,11 +6,31 @@
 #include <QFileInfo>
 #include <gtest/gtest.h>
 
+#include <ftw.h>
+#include <unistd.h>
+
 namespace qb::test {
 
 TempTree::TempTree()
 {
     EXPECT_TRUE(m_dir.isValid()) << "cannot create a temporary folder";
+}
+
+namespace {
+
+int removeEntry(const char *path, const struct stat *, int type, struct FTW *)
+{
+    return type == FTW_DP ? ::rmdir(path) : ::unlink(path);
+}
+
+} // namespace
+
+TempTree::~TempTree()
+{
+    if (!m_dir.isValid())
+        return;
+    ::nftw(QFile::encodeName(m_dir.path()).constData(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
+    m_dir.setAutoRemove(false);
 }
 
 QString TempTree::root() const

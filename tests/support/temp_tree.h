@@ -11,6 +11,8 @@ class TempTree
 {
 public:
     TempTree();
+    // Removes by bytes, so that names that are not UTF-8 go too.
+    ~TempTree();
 
     // Absolute path of the scratch folder, without a trailing "/".
     QString root() const;

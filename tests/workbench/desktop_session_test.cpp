@@ -1,6 +1,7 @@
 // The desktop program on a virtual X display, driven from outside as a user would: a first start,
-// a second start with a folder and two files that end up in the first window, a build through the
-// menu by typed keys, the cabinet checked by cabextract, and a screenshot kept in the build folder.
+// a second start from another folder with a folder and two relative paths that end up in the first window, a
+// build through the menu by typed keys, the cabinet checked by cabextract, and a screenshot kept in the build
+// folder.
 #include "support/temp_tree.h"
 #include "support/tool_run.h"
 
@@ -95,11 +96,13 @@ TEST_F(DesktopSession, SecondStartFeedsTheWindowAndTheMenuBuildsTheCabinet)
     const QString pkg = tree.makeDir(u"pkg"_s);
     tree.writeFile(u"pkg/a.txt"_s, "first file in the folder\n");
     tree.writeFile(u"pkg/sub/c.txt"_s, QByteArray("中文内容 ").repeated(50));
-    const QString x1 = tree.writeFile(u"x1.txt"_s, "one");
-    const QString x2 = tree.writeFile(u"more files/x2.txt"_s, "two");
+    tree.writeFile(u"x1.txt"_s, "one");
+    tree.writeFile(u"more files/x2.txt"_s, "two");
 
     first.setProcessEnvironment(env);
     first.setProcessChannelMode(QProcess::MergedChannels);
+    // Each start in a folder of its own: relative paths mean the second caller's folder.
+    first.setWorkingDirectory(tree.path(u"pkg/sub"_s));
     first.start(QStringLiteral(QB_DESK_PATH), {});
     ASSERT_TRUE(first.waitForStarted());
     const QString windowId
@@ -112,7 +115,8 @@ TEST_F(DesktopSession, SecondStartFeedsTheWindowAndTheMenuBuildsTheCabinet)
 
     QProcess second;
     second.setProcessEnvironment(env);
-    second.start(QStringLiteral(QB_DESK_PATH), {pkg, x1, x2});
+    second.setWorkingDirectory(tree.root());
+    second.start(QStringLiteral(QB_DESK_PATH), {pkg, u"x1.txt"_s, u"more files/x2.txt"_s});
     ASSERT_TRUE(second.waitForFinished(15000));
     EXPECT_EQ(second.exitCode(), 0);
     EXPECT_EQ(first.state(), QProcess::Running);

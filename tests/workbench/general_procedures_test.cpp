@@ -4,6 +4,7 @@
 #include "support/temp_tree.h"
 #include "workbench/app_context.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <gtest/gtest.h>
@@ -118,6 +119,25 @@ TEST(GeneralProcedures, CreateTempNameFallsBackToTheTempFolder)
     EXPECT_EQ(missing, GetTempDir());
     EXPECT_TRUE(QFileInfo(inTemp).fileName().startsWith(QStringLiteral("ab")));
     QFile::remove(inTemp);
+}
+
+TEST(GeneralProcedures, MissingTempFolderIsAFailedLookupNotTheRoot)
+{
+    TempTree tree;
+    const bool wasSet = qEnvironmentVariableIsSet("TMPDIR");
+    const QByteArray saved = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(tree.path(QStringLiteral("gone"))));
+    const QStringList rootBefore = QDir(QStringLiteral("/")).entryList(QDir::Files | QDir::Hidden);
+    QString folder;
+    const QString name = CreateTempName(QString(), folder);
+    const QString temp = GetTempDir();
+    if (wasSet)
+        qputenv("TMPDIR", saved);
+    else
+        qunsetenv("TMPDIR");
+    EXPECT_EQ(temp, QString());
+    EXPECT_EQ(name, QString());
+    EXPECT_EQ(QDir(QStringLiteral("/")).entryList(QDir::Files | QDir::Hidden), rootBefore);
 }
 
 TEST(GeneralProcedures, SystemFoldersEndInSlash)

@@ -3,6 +3,7 @@
 #include "support/temp_tree.h"
 #include "workbench/app_context.h"
 #include "workbench/main_window.h"
+#include "workbench/qt_translation.h"
 #include "workbench/window_docking.h"
 #include "workbench/workbench_doubles.h"
 
@@ -10,10 +11,13 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QScreen>
 #include <QSettings>
 #include <QTest>
+#include <QTranslator>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -190,6 +194,19 @@ TEST_F(MainWindowTest, AboutBoxAndDocking)
         + whole.topLeft();
     EXPECT_EQ(window->frameGeometry().topLeft(), expected);
     EXPECT_NE(expected, before.topLeft());
+}
+
+TEST(ToolkitTranslation, StandardButtonsSpeakChinese)
+{
+    QTranslator *translator = InstallToolkitTranslation(*QCoreApplication::instance());
+    ASSERT_NE(translator, nullptr) << "the toolkit's Chinese translation is one of the dependencies";
+    QMessageBox box(QMessageBox::Question, u"t"_s, u"p"_s, QMessageBox::Yes | QMessageBox::No);
+    const QString yes = box.button(QMessageBox::Yes)->text();
+    const QString no = box.button(QMessageBox::No)->text();
+    QCoreApplication::removeTranslator(translator);
+    delete translator;
+    EXPECT_TRUE(yes.contains(u"是"_s)) << yes.toStdString();
+    EXPECT_TRUE(no.contains(u"否"_s)) << no.toStdString();
 }
 
 } // namespace

@@ -6,7 +6,9 @@
 #include "workbench/workbench.h"
 #include "workbench/workbench_doubles.h"
 
+#include <QFileInfo>
 #include <QSettings>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -77,7 +79,7 @@ TEST_F(RequestTest, OpenCabinetAsksAndNoEndsTheWholeRequest)
 {
     const QString file = tree.writeFile(u"a.txt"_s, "a");
     bench.cCab().setCabName(tree.writeFile(u"x.cab"_s, "MSCF"));
-    list.AddItem(u"row|||||"_s, QString());
+    list.AddItem(u"row|||||"_s, QString(), QString());
     bench.cPrevInstance_PrevInstance(QString(), true, {file}, {tree.root() + u'/'}, {});
     ASSERT_EQ(dialogs.messages.size(), 1);
     EXPECT_EQ(dialogs.messages[0], (std::pair {u"是否关闭已经打开的 CAB 文件包？"_s, kYesNo}));
@@ -86,6 +88,33 @@ TEST_F(RequestTest, OpenCabinetAsksAndNoEndsTheWholeRequest)
     dialogs.answers = {kAnswerYes};
     bench.cPrevInstance_PrevInstance(QString(), true, {file}, {}, {});
     EXPECT_EQ(rows(), (QStringList {u"a.txt"_s}));
+}
+
+TEST_F(RequestTest, OpenWordWithOneCabinetOpensItAndNothingElseDoes)
+{
+    const QString a = tree.writeFile(u"src/a|b.txt"_s, "alpha");
+    bench.mBasePath = tree.path(u"src/"_s);
+    bench.DropFile({}, a);
+    bench.mCabinetPath = tree.path(u"x.cab"_s);
+    gMakeCabPath = QStringLiteral(QB_MAKECAB_PATH);
+    bench.BuildCabinet();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !bench.FFmpegX1().IsBusy(); }, 60000));
+    ASSERT_TRUE(QFileInfo::exists(bench.mCabinetPath));
+    const QString cab = bench.mCabinetPath;
+    list.Clear();
+
+    // Other forms are plain requests: the cabinet is added as a file, the words ignored.
+    bench.cPrevInstance_PrevInstance(u"\"--opened\" \""_s + cab + u'"', true, {cab}, {}, {u"--opened"_s});
+    bench.cPrevInstance_PrevInstance(u'"' + cab + u"\" \"--open\""_s, true, {cab}, {}, {u"--open"_s});
+    EXPECT_EQ(rows(), (QStringList {u"x.cab"_s, u"x.cab"_s}));
+    EXPECT_TRUE(bench.cCab().CabName().isEmpty());
+
+    bench.cPrevInstance_PrevInstance(u"\"--open\" \""_s + cab + u'"', true, {cab}, {}, {u"--open"_s});
+    EXPECT_EQ(bench.cCab().CabName(), cab);
+    ASSERT_EQ(list.Count(), 2);
+    EXPECT_EQ(list.ItemTag(0), u"Quillbox Desk.txt"_s);
+    EXPECT_EQ(list.ItemTag(1), u"a|b.txt"_s);
+    EXPECT_EQ(restored, 3);
 }
 
 TEST(WindowDocking, SnapsWithinThirtyPixelsAndDrawsBackFromBeyond)

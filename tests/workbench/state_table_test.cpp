@@ -44,9 +44,9 @@ class SpyingRows : public RowStore
 {
 public:
     std::function<void()> onAdd;
-    void AddItem(const QString &text, const QString &file) override
+    void AddItem(const QString &text, const QString &file, const QString &tag) override
     {
-        RowStore::AddItem(text, file);
+        RowStore::AddItem(text, file, tag);
         if (onAdd)
             onAdd();
     }

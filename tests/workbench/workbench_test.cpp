@@ -1,6 +1,7 @@
 // The workbench end to end without a window: adding a tree, building through the real job engine
 // and our cabinet maker, checking the cabinet with cabextract, opening it and extracting.
 #include "engine/process_priority.h"
+#include "support/hostile_names.h"
 #include "support/temp_tree.h"
 #include "support/tool_run.h"
 #include "workbench/app_context.h"
@@ -12,6 +13,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QSettings>
@@ -116,7 +118,7 @@ TEST_F(WorkbenchTest, DroppedFolderKeepsItsNameInTheFolderColumn)
         EXPECT_FALSE(list.ItemText(i, kColumnType).isEmpty());
         EXPECT_EQ(list.ItemText(i, kColumnSize), u"1,200"_s);
         EXPECT_EQ(list.ItemText(i, kColumnSource), root + u"/文档/说明 一.txt"_s);
-        EXPECT_EQ(list.itemFile(i), root + u"/文档/说明 一.txt"_s);
+        EXPECT_EQ(list.ItemFile(i), root + u"/文档/说明 一.txt"_s);
         EXPECT_EQ(list.ItemText(i, kColumnDate),
             DefaultDateText(QFileInfo(root + u"/文档/说明 一.txt"_s).lastModified()));
     }
@@ -368,6 +370,65 @@ TEST_F(WorkbenchTest, SaveAsRenamesAnExistingCabinet)
     EXPECT_EQ(strip.captions.size(), before);
 }
 
+TEST_F(WorkbenchTest, HostileNamesGoInExactlyOrAreRefusedByName)
+{
+    const test::HostileFolder hostile = test::MakeHostileFolder(tree);
+    // As a request from the desktop adds a folder: its files named relative to it.
+    bench.mBasePath = hostile.folder + u'/';
+    bench.DropFile({}, hostile.folder + u'/');
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    EXPECT_EQ(dialogs.messages[0].second, kExclamation);
+    for (const QString &refused : hostile.refused)
+        EXPECT_TRUE(dialogs.messages[0].first.contains(refused)) << refused.toStdString();
+    ASSERT_EQ(list.Count(), hostile.storable.size());
+
+    const QMap<QByteArray, QByteArray> before = test::RawFilesBelow(hostile.folder);
+    bench.mCabinetPath = tree.makeDir(u"out"_s) + u"/hostile.cab"_s;
+    bench.BuildCabinet();
+    ASSERT_TRUE(waitForBuild());
+    ASSERT_TRUE(QFileInfo::exists(bench.mCabinetPath)) << strip.captions.join(u'\n').toStdString();
+    EXPECT_EQ(test::RawFilesBelow(hostile.folder), before);
+    const QMap<QString, QString> verdicts = test::CompareExtractors(
+        bench.mCabinetPath, tree.makeDir(u"unpacked"_s), hostile.storable, "Quillbox Desk.txt");
+    for (auto it = verdicts.cbegin(); it != verdicts.cend(); ++it)
+        EXPECT_EQ(it.value(), QString()) << it.key().toStdString();
+
+    // Opened again, a selected row is extracted by its exact stored name.
+    dialogs.files.push_back({tree.path(u"out"_s), {u"hostile.cab"_s}});
+    bench.mnuOpen();
+    int bar = -1;
+    for (int i = 0; i < list.Count(); ++i) {
+        if (list.ItemTag(i) == u"b|c.txt"_s)
+            bar = i;
+    }
+    ASSERT_GE(bar, 0);
+    list.setItemSelected(bar, true);
+    const QString one = tree.makeDir(u"one"_s);
+    dialogs.folders.push_back(one);
+    bench.mnuExtract();
+    EXPECT_EQ(test::RawFilesBelow(one).keys(), (QList<QByteArray> {"b|c.txt"}));
+}
+
+TEST_F(WorkbenchTest, UnwritableTemporaryFilesStopTheBuildAndSaySo)
+{
+    tree.writeFile(u"pkg/a.txt"_s, "a");
+    bench.DropFile({tree.path(u"pkg"_s)}, QString());
+    const bool wasSet = qEnvironmentVariableIsSet("TMPDIR");
+    const QByteArray saved = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(tree.path(u"no such folder"_s)));
+    bench.mnuSave(0);
+    if (wasSet)
+        qputenv("TMPDIR", saved);
+    else
+        qunsetenv("TMPDIR");
+    EXPECT_FALSE(bench.FFmpegX1().Processing());
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    EXPECT_EQ(dialogs.messages[0].second, kCritical);
+    EXPECT_TRUE(dialogs.messages[0].first.startsWith(u"无法写入临时文件"_s))
+        << dialogs.messages[0].first.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(bench.mCabinetPath));
+}
+
 TEST_F(WorkbenchTest, CancelledBuildReportsTheFailedCabinet)
 {
     // Enough data for the maker to be at work when the cancel comes.
@@ -394,6 +455,9 @@ TEST_F(WorkbenchTest, CancelledBuildReportsTheFailedCabinet)
     ASSERT_EQ(dialogs.messages.size(), 1);
     EXPECT_EQ(dialogs.messages[0], (std::pair {u"压缩包创建失败"_s, kCritical}));
     EXPECT_FALSE(QFileInfo::exists(bench.mCabinetPath));
+    // Nothing half-made is left in the folder, which the next add would take in.
+    EXPECT_EQ(QDir(tree.path(u"big"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+        (QStringList {u"data.txt"_s}));
     bench.mnuCancel();
     EXPECT_EQ(strip.Caption(), u"  [12:34:56] 没有需要取消的任务!"_s);
 }
