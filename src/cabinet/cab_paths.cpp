@@ -33,11 +33,12 @@ bool IsSafeMemberName(const QString &name)
     if (name.isEmpty() || name.startsWith(u'\\') || name.startsWith(u'/') || name.endsWith(u'\\')
         || name.endsWith(u'/'))
         return false;
-    for (const QChar c : name) {
-        // ":" makes a drive prefix or a stream name elsewhere; nothing honest needs it.
-        if (c.unicode() < 0x20 || c.unicode() == 0x7F || c == u':')
-            return false;
-    }
+    // A drive prefix would name another disk elsewhere. Tabs, line ends and ":" inside a name are
+    // legal Linux names and reach nothing outside the folder; only NUL would cut the path short.
+    const bool drivePrefix = name.size() >= 2 && name[1] == u':'
+        && ((name[0] >= u'a' && name[0] <= u'z') || (name[0] >= u'A' && name[0] <= u'Z'));
+    if (drivePrefix || name.contains(QChar(0)))
+        return false;
     const QStringList parts = QString(name).replace(u'\\', u'/').split(u'/');
     for (const QString &part : parts) {
         if (part == QLatin1String("..") || part == QLatin1String("."))

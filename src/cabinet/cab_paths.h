@@ -17,8 +17,8 @@ void SplitFile(const QString &strFull, QString &strPath, QString &strFile);
 bool MakePath(const QString &strPath);
 
 // True when a name from a cabinet ("\" between folders) can be written below a target folder:
-// no "." or ".." component, not absolute, no drive prefix or ":" at all, no control character,
-// and not ending in a separator.
+// no "." or ".." component, not absolute, no drive prefix, no NUL, and not ending in a separator.
+// Anything else a Linux name may hold (tabs, line ends, ":") stays as stored.
 bool IsSafeMemberName(const QString &name);
 
 // A member's name as a relative path on disk: "\" turned into "/".

@@ -2,6 +2,7 @@
 // file, our cabinet maker and the job engine, exactly as in the window; only the surfaces differ.
 #include "cli/cab_create_command.h"
 
+#include "engine/process_priority.h"
 #include "workbench/app_context.h"
 #include "workbench/directive_text.h"
 #include "workbench/entry_procedure.h"
@@ -322,6 +323,9 @@ int RunCabCreate(const QStringList &arguments, QTextStream &out, QTextStream &er
     ConsoleStrip strip(out, terminal);
     NoMenus menus;
     workbench::Workbench bench(rows, strip, menus, dialogs);
+    // A command runs the maker at normal priority, not at the engine's idle default, which a busy
+    // machine would starve for minutes.
+    bench.FFmpegX1().setpriority(engine::kPriorityNormal);
     for (const QString &path : std::as_const(paths)) {
         // As a request from the desktop: a folder's files are named relative to the folder.
         const bool folder = QFileInfo(path).isDir();

@@ -32,6 +32,8 @@ QString makeCabWithMakeCab(
     int i = 0;
     for (const CabEntry &entry : entries) {
         const QString source = tree.writeFile(QStringLiteral("mk-src/%1.bin").arg(i++), entry.bytes);
+        if (!entry.before.isEmpty())
+            directive += entry.before + QStringLiteral("\r\n");
         directive += u'"' + source + QStringLiteral("\" \"") + entry.name + u'"';
         if (!entry.extra.isEmpty())
             directive += u' ' + entry.extra;

@@ -21,6 +21,7 @@ struct CabEntry
     QString name; // in the cabinet, "\" between folders
     QByteArray bytes;
     QString extra = {}; // more parameters on makecab's file line, e.g. "/date=01/02/2009"
+    QString before = {}; // a directive line before the file line, e.g. a change of compression
 };
 
 // compression: "NONE", "MSZIP" or "LZX". Returns the cabinet's path; fails the test on an error.

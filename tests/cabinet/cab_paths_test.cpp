@@ -56,10 +56,11 @@ TEST(CabPaths, MakePathCreatesEveryLevel)
 
 TEST(CabPaths, SafeMemberNames)
 {
-    for (const char *name : {"a.txt", "dir\\sub\\a.txt", "a..b.txt", "..a", "dir/a.txt", "名字.txt"})
+    for (const char *name : {"a.txt", "dir\\sub\\a.txt", "a..b.txt", "..a", "dir/a.txt", "名字.txt", "a\x01",
+             "a\x7F", "tab\there", "new\nline", "dir\\a:b.txt", "ab:c"})
         EXPECT_TRUE(IsSafeMemberName(QString::fromUtf8(name))) << name;
     for (const char *name : {"", "..", "..\\a", "a\\..\\..\\b", "a/../b", "\\abs", "/abs", "C:x.txt", "c:\\x",
-             "a\\", "a\x01", "a\x7F", ".\\a", "tab\there"})
+             "a\\", ".\\a", "Z:", "a:b.txt"})
         EXPECT_FALSE(IsSafeMemberName(QString::fromUtf8(name))) << name;
     EXPECT_FALSE(IsSafeMemberName(QStringLiteral("nul") + QChar(0) + QStringLiteral("x")));
     EXPECT_EQ(MemberNameToRelativePath(QStringLiteral("a\\b\\c")), QStringLiteral("a/b/c"));

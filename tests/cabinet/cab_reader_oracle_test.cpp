@@ -194,6 +194,34 @@ TEST(Reader, ExtractsTheLongestNameAsTheOtherExtractorsDo)
     }
 }
 
+// Empty files alone in the first folder, then a change of compression: every reader takes it.
+TEST(Reader, FirstFolderOfEmptyFilesOnly)
+{
+    TempTree tree;
+    const QList<CabEntry> entries {{QStringLiteral("empty.txt"), {}}, {QStringLiteral("also empty"), {}},
+        {QStringLiteral("one.txt"), sampleBytes(3000, 5), {}, QStringLiteral(".Set CompressionType=LZX")}};
+    const QString cab = makeCabWithMakeCab(tree, entries, QStringLiteral("MSZIP"));
+    clsCAB reader;
+    reader.setCabName(cab);
+    ErrorLog log(reader);
+    const QString out = tree.makeDir(QStringLiteral("ours"));
+    ASSERT_TRUE(reader.Extract(QString(), out, QString()));
+    EXPECT_TRUE(log.errors.isEmpty());
+    const QStringList expected {
+        QStringLiteral("also empty"), QStringLiteral("empty.txt"), QStringLiteral("one.txt")};
+    EXPECT_EQ(filesBelow(out), expected);
+    EXPECT_EQ(readAll(out + QStringLiteral("/one.txt")), entries[2].bytes);
+    for (const QString &tool : kExtractors) {
+        SCOPED_TRACE(tool.toStdString());
+        const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
+        const ToolRun run = extractWith(tool, cab, theirs);
+        EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
+        EXPECT_EQ(filesBelow(theirs), expected);
+        for (const QString &relative : expected)
+            EXPECT_EQ(readAll(theirs + u'/' + relative), readAll(out + u'/' + relative));
+    }
+}
+
 TEST(Reader, ExtractsBesideTheCabinetWhenNoFolderIsGiven)
 {
     TempTree tree;

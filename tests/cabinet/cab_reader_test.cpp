@@ -246,7 +246,7 @@ TEST(Reader, HostileNamesAreNeverWrittenOutsideTheTarget)
 {
     TempTree tree;
     const QList<QByteArray> hostile {
-        "..\\..\\evil.txt", "\\abs.txt", "C:x.txt", "a\\..\\..\\up.txt", "ctl\x01.txt", "/etc_abs.txt"};
+        "..\\..\\evil.txt", "\\abs.txt", "C:x.txt", "a\\..\\..\\up.txt", "d:drive.txt", "/etc_abs.txt"};
     QList<CabEntry> entries {{QStringLiteral("ok.txt"), "fine"}};
     QList<QByteArray> placeholders;
     for (qsizetype i = 0; i < hostile.size(); ++i) {
