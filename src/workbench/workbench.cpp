@@ -273,6 +273,12 @@ void Workbench::BuildCabinet()
         ShowStatus(u"无法进行，正在处理上一请求!"_s);
         return;
     }
+    // The maker numbers cabinets by the "*" of its name template; such a path would come out as
+    // another name.
+    if (mCabinetPath.contains(u'*')) {
+        m_dialogs.MsgBox(u"压缩包的路径中不能含有 \"*\"，请换一个名称："_s + mCabinetPath, kCritical);
+        return;
+    }
     ShowStatus(u"正在索引文件..."_s);
     mSourceBytes = 0;
     m_buildStarted = QDateTime::currentDateTime();

@@ -163,6 +163,29 @@ INSTANTIATE_TEST_SUITE_P(Makers, ReaderOracle,
         Maker {"MakecabLzx", false, "LZX"}),
     [](const ::testing::TestParamInfo<Maker> &info) { return std::string(info.param.label); });
 
+// Our reader and each outside extractor unpack the whole cabinet into the same files, and only
+// those; returns our folder.
+QString expectEveryReaderAgrees(TempTree &tree, const QString &cab, const QStringList &expected)
+{
+    clsCAB reader;
+    reader.setCabName(cab);
+    ErrorLog log(reader);
+    const QString out = tree.makeDir(QStringLiteral("ours"));
+    EXPECT_TRUE(reader.Extract(QString(), out, QString()));
+    EXPECT_TRUE(log.errors.isEmpty()) << (log.errors.isEmpty() ? 0 : log.errors[0].number);
+    EXPECT_EQ(filesBelow(out), expected);
+    for (const QString &tool : kExtractors) {
+        SCOPED_TRACE(tool.toStdString());
+        const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
+        const ToolRun run = extractWith(tool, cab, theirs);
+        EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
+        EXPECT_EQ(filesBelow(theirs), expected);
+        for (const QString &relative : expected)
+            EXPECT_EQ(readAll(theirs + u'/' + relative), readAll(out + u'/' + relative));
+    }
+    return out;
+}
+
 // 85 CJK characters are 255 bytes in UTF-8: the longest name a cabinet stores and Linux allows.
 TEST(Reader, ExtractsTheLongestNameAsTheOtherExtractorsDo)
 {
@@ -174,24 +197,8 @@ TEST(Reader, ExtractsTheLongestNameAsTheOtherExtractorsDo)
     const QByteArray bytes = sampleBytes(5000, 21);
     const QString cab = makeCabWithMakeCab(
         tree, {{name, bytes}, {QStringLiteral("d\\") + name.left(80), "deeper"}}, QStringLiteral("MSZIP"));
-    clsCAB reader;
-    reader.setCabName(cab);
-    ErrorLog log(reader);
-    const QString out = tree.makeDir(QStringLiteral("ours"));
-    ASSERT_TRUE(reader.Extract(QString(), out, QString()));
-    EXPECT_TRUE(log.errors.isEmpty()) << (log.errors.isEmpty() ? 0 : log.errors[0].number);
-    const QStringList expected {QStringLiteral("d/") + name.left(80), name};
-    EXPECT_EQ(filesBelow(out), expected);
+    const QString out = expectEveryReaderAgrees(tree, cab, {QStringLiteral("d/") + name.left(80), name});
     EXPECT_EQ(readAll(out + u'/' + name), bytes);
-    for (const QString &tool : kExtractors) {
-        SCOPED_TRACE(tool.toStdString());
-        const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
-        const ToolRun run = extractWith(tool, cab, theirs);
-        EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
-        EXPECT_EQ(filesBelow(theirs), expected);
-        for (const QString &relative : expected)
-            EXPECT_EQ(readAll(theirs + u'/' + relative), readAll(out + u'/' + relative));
-    }
 }
 
 // Empty files alone in the first folder, then a change of compression: every reader takes it.
@@ -201,25 +208,9 @@ TEST(Reader, FirstFolderOfEmptyFilesOnly)
     const QList<CabEntry> entries {{QStringLiteral("empty.txt"), {}}, {QStringLiteral("also empty"), {}},
         {QStringLiteral("one.txt"), sampleBytes(3000, 5), {}, QStringLiteral(".Set CompressionType=LZX")}};
     const QString cab = makeCabWithMakeCab(tree, entries, QStringLiteral("MSZIP"));
-    clsCAB reader;
-    reader.setCabName(cab);
-    ErrorLog log(reader);
-    const QString out = tree.makeDir(QStringLiteral("ours"));
-    ASSERT_TRUE(reader.Extract(QString(), out, QString()));
-    EXPECT_TRUE(log.errors.isEmpty());
-    const QStringList expected {
-        QStringLiteral("also empty"), QStringLiteral("empty.txt"), QStringLiteral("one.txt")};
-    EXPECT_EQ(filesBelow(out), expected);
+    const QString out = expectEveryReaderAgrees(
+        tree, cab, {QStringLiteral("also empty"), QStringLiteral("empty.txt"), QStringLiteral("one.txt")});
     EXPECT_EQ(readAll(out + QStringLiteral("/one.txt")), entries[2].bytes);
-    for (const QString &tool : kExtractors) {
-        SCOPED_TRACE(tool.toStdString());
-        const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
-        const ToolRun run = extractWith(tool, cab, theirs);
-        EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
-        EXPECT_EQ(filesBelow(theirs), expected);
-        for (const QString &relative : expected)
-            EXPECT_EQ(readAll(theirs + u'/' + relative), readAll(out + u'/' + relative));
-    }
 }
 
 TEST(Reader, ExtractsBesideTheCabinetWhenNoFolderIsGiven)

@@ -248,7 +248,8 @@ TEST_P(BuildTest, BuildsOpensAndExtracts)
     EXPECT_TRUE(QFileInfo::exists(directive));
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return !QFileInfo::exists(directive) && !QFileInfo::exists(notice); }, 3000));
-    for (const QString &folder : {tree.root(), QCoreApplication::applicationDirPath(), root}) {
+    // The program's own folder is left out: other tests build there side by side.
+    for (const QString &folder : {tree.root(), root}) {
         EXPECT_FALSE(QFileInfo::exists(folder + u"/setup.inf"_s));
         EXPECT_FALSE(QFileInfo::exists(folder + u"/setup.rpt"_s));
     }
@@ -407,6 +408,19 @@ TEST_F(WorkbenchTest, HostileNamesGoInExactlyOrAreRefusedByName)
     dialogs.folders.push_back(one);
     bench.mnuExtract();
     EXPECT_EQ(test::RawFilesBelow(one).keys(), (QList<QByteArray> {"b|c.txt"}));
+}
+
+TEST_F(WorkbenchTest, AStarInTheCabinetPathIsRefusedNotRenumbered)
+{
+    tree.writeFile(u"pkg/a.txt"_s, "a");
+    bench.DropFile({tree.path(u"pkg"_s)}, QString());
+    bench.mCabinetPath = tree.path(u"pkg/a*b.cab"_s);
+    bench.BuildCabinet();
+    EXPECT_FALSE(bench.FFmpegX1().Processing());
+    ASSERT_EQ(dialogs.messages.size(), 1);
+    EXPECT_EQ(dialogs.messages[0].second, kCritical);
+    EXPECT_TRUE(dialogs.messages[0].first.endsWith(bench.mCabinetPath));
+    EXPECT_EQ(QDir(tree.path(u"pkg"_s)).entryList(QDir::Files), (QStringList {u"a.txt"_s}));
 }
 
 TEST_F(WorkbenchTest, UnwritableTemporaryFilesStopTheBuildAndSaySo)
