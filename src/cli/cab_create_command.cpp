@@ -2,7 +2,8 @@
 // file, our cabinet maker and the job engine, exactly as in the window; only the surfaces differ.
 #include "cli/cab_create_command.h"
 
-#include "engine/process_priority.h"
+#include "engine/status_codes.h"
+#include "util/process_priority.h"
 #include "workbench/app_context.h"
 #include "workbench/directive_text.h"
 #include "workbench/entry_procedure.h"
@@ -29,7 +30,6 @@ using namespace Qt::StringLiterals;
 constexpr int kOk = 0;
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
-constexpr int kComplete = 2;
 constexpr int kBarWidth = 30;
 
 const char *const kCreateUsage = "usage: quillbox cab create CABINET PATH... [--compression none|mszip|lzx]"
@@ -325,7 +325,7 @@ int RunCabCreate(const QStringList &arguments, QTextStream &out, QTextStream &er
     workbench::Workbench bench(rows, strip, menus, dialogs);
     // A command runs the maker at normal priority, not at the engine's idle default, which a busy
     // machine would starve for minutes.
-    bench.FFmpegX1().setpriority(engine::kPriorityNormal);
+    bench.FFmpegX1().setpriority(util::kPriorityNormal);
     for (const QString &path : std::as_const(paths)) {
         // As a request from the desktop: a folder's files are named relative to the folder.
         const bool folder = QFileInfo(path).isDir();
@@ -350,7 +350,7 @@ int RunCabCreate(const QStringList &arguments, QTextStream &out, QTextStream &er
     int interruptedBy = 0;
     QEventLoop loop;
     QObject::connect(&bench.FFmpegX1(), &engine::FFmpegX::StatusChange, &loop, [&loop](int status) {
-        if (status == kComplete)
+        if (status == engine::kComplete)
             loop.quit();
     });
     if (interrupts.notifier()) {

@@ -4,8 +4,8 @@
 #include "controls/button_colors.h"
 #include "controls/button_property_bag.h"
 #include "controls/ctl_button_children.h"
-#include "engine/process_priority.h"
 #include "util/number_text.h"
+#include "util/process_priority.h"
 
 #include <QLineEdit>
 #include <QMessageBox>
@@ -491,7 +491,7 @@ void ctlButton::setThreadPriority(int priorityClass)
 {
     m_p.ThreadPriority = priorityClass;
     // A class the user may not raise to is refused by the system; the value stays stored.
-    setpriority(PRIO_PROCESS, 0, engine::NiceForPriorityClass(priorityClass));
+    setpriority(PRIO_PROCESS, 0, util::NiceForPriorityClass(priorityClass));
 }
 
 void ctlButton::setTooltipType(int type)

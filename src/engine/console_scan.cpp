@@ -1,6 +1,8 @@
 // The rules that turn tool output into status events, position, total and speed.
 #include "engine/console_scan.h"
 
+#include "engine/status_codes.h"
+
 #include "util/number_text.h"
 #include "util/time_format.h"
 #include "util/wildcard.h"
@@ -165,7 +167,7 @@ void ScanToolOutput(
         const QString phrase = QString::fromUtf16(fatal.phrase);
         if (line.contains(phrase)
             && (!fatal.alsoNeeded || line.contains(QString::fromUtf16(fatal.alsoNeeded)))) {
-            raise(kStatusFatalText, fatal.text(line, phrase, context));
+            raise(kFatalToolText, fatal.text(line, phrase, context));
             return;
         }
     }
@@ -174,7 +176,7 @@ void ScanToolOutput(
     packed.remove(u' ');
     if (packed.contains(QStringLiteral("frame=0")) && packed.contains(QStringLiteral("fps=0"))
         && packed.contains(QStringLiteral("size=0")) && packed.contains(QStringLiteral("time=00:00:00"))) {
-        raise(kStatusSearching, line);
+        raise(kSearching, line);
         return;
     }
 
@@ -187,7 +189,7 @@ void ScanToolOutput(
                 ? wholeNumber(util::Val(GetString(line, QStringLiteral("fps="), QStringLiteral("q="))))
                 : 0;
         } else {
-            raise(kStatusSearching, line);
+            raise(kSearching, line);
         }
         if (state.Max == 0)
             state.Max = range > 0 ? jobLength(context, range, 0, true) : context.Duration;
@@ -203,7 +205,7 @@ void ScanToolOutput(
             else
                 state.Max = jobLength(context, range, length, range > 0);
         }
-        raise(kStatusInfoString, line);
+        raise(kInfoString, line);
         return;
     }
     if (line.contains(QStringLiteral(", start:")) && state.Max == 0) {
@@ -216,7 +218,7 @@ void ScanToolOutput(
                 GetString(line, QStringLiteral(": "), QStringLiteral(", start:")), QStringLiteral("."));
             state.Max = jobLength(context, 0, start + 1, false);
         }
-        raise(kStatusInfoString, line);
+        raise(kInfoString, line);
         return;
     }
     if (line.startsWith(QStringLiteral("Pos:"))) {
@@ -248,12 +250,12 @@ void ScanToolOutput(
             if (position >= state.value)
                 state.value = position;
             state.FPSSpeed = 0;
-            raise(kStatusProcessing, chunk);
+            raise(kProcessing, chunk);
         }
         return;
     }
     if (!line.isEmpty())
-        raise(kStatusInfoString, line);
+        raise(kInfoString, line);
 }
 
 } // namespace qb::engine

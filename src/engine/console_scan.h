@@ -34,12 +34,6 @@ struct ScanContext
 // Raises StatusChange(code, text); the gate on events is the caller's.
 using StatusSink = std::function<void(int code, const QString &text)>;
 
-// Status codes the scan raises.
-inline constexpr int kStatusProcessing = 1;
-inline constexpr int kStatusInfoString = 6;
-inline constexpr int kStatusSearching = 9;
-inline constexpr int kStatusFatalText = 11;
-
 // Interprets one chunk of tool output (up to 256 bytes, not a line: it may hold parts of
 // several). The first rule that fits decides: fatal phrases, the seeking line, progress lines of
 // the encoder, header lines, percentage tools, the cabinet maker's "*% - *(* of *)" lines, and

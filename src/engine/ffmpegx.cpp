@@ -1,11 +1,11 @@
 // The engine's state, its setters and the name helpers it offers.
 #include "engine/ffmpegx.h"
 
-#include "engine/process_priority.h"
 #include "engine/status_codes.h"
 #include "engine/tool_process.h"
 #include "util/file_names.h"
 #include "util/file_search.h"
+#include "util/process_priority.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -64,7 +64,7 @@ void FFmpegX::setpriority(int priorityClass)
     m_priority = priorityClass;
     Q_EMIT PropertyMarkedChanged(QStringLiteral("priority"));
     if (m_processing && m_tool)
-        m_tool->setNice(NiceForPriorityClass(priorityClass));
+        m_tool->setNice(util::NiceForPriorityClass(priorityClass));
 }
 
 void FFmpegX::setFileName(const QString &value)

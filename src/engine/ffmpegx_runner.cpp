@@ -3,11 +3,11 @@
 #include "engine/command_line.h"
 #include "engine/ffmpegx.h"
 #include "engine/job_progress.h"
-#include "engine/process_priority.h"
 #include "engine/status_codes.h"
 #include "engine/tool_process.h"
 #include "util/code_page.h"
 #include "util/file_names.h"
+#include "util/process_priority.h"
 #include "util/text_file.h"
 
 #include <QCoreApplication>
@@ -248,7 +248,7 @@ void FFmpegX::runCommand(const QString &command, std::function<void()> done)
     m_wait = Wait::None;
     m_terminateStage = 0;
     m_tool = new ToolProcess;
-    if (!m_tool->start(PlanToolLaunch(command), NiceForPriorityClass(m_priority), workingDir)) {
+    if (!m_tool->start(PlanToolLaunch(command), util::NiceForPriorityClass(m_priority), workingDir)) {
         raiseStatus(kError, StringContent.StringContent2);
         closeRun();
         return;
@@ -424,7 +424,7 @@ void FFmpegX::watchPriority()
     const std::optional<int> nice = m_tool ? m_tool->nice() : std::nullopt;
     if (!nice)
         return;
-    const int actual = PriorityClassForNice(*nice);
+    const int actual = util::PriorityClassForNice(*nice);
     if (actual == m_priority)
         return;
     // The position lands in the priority field, so the event repeats every round; hosts rely on
@@ -618,7 +618,7 @@ bool FFmpegX::ExecuteAndWait(const QString &cmdline, bool ShowWindow)
     const ToolLaunch launch = PlanDirectLaunch(cmdline);
     ToolProcess tool;
     tool.process().setStandardOutputFile(QProcess::nullDevice());
-    if (!tool.start(launch, NiceForPriorityClass(kPriorityNormal), QString()))
+    if (!tool.start(launch, util::NiceForPriorityClass(util::kPriorityNormal), QString()))
         return false;
     tool.process().closeWriteChannel();
     tool.process().waitForFinished(-1);

@@ -1,6 +1,7 @@
 // The workbench's procedures: adding, building, opening and extracting.
 #include "workbench/workbench.h"
 
+#include "engine/status_codes.h"
 #include "host/find_file.h"
 #include "util/number_text.h"
 #include "workbench/app_context.h"
@@ -22,12 +23,11 @@ namespace {
 // The file attribute mask of a folder expansion: every entry that is not a folder.
 constexpr int kFileAttributes = host::kAttrPlainFile;
 
-// Status codes of the engine the workbench acts on.
-constexpr int kStarting = 0;
-constexpr int kComplete = 2;
-constexpr int kError = 3;
-constexpr int kCanceled = 4;
-constexpr int kCancelFailed = 8;
+using engine::kCanceled;
+using engine::kCancelFailed;
+using engine::kComplete;
+using engine::kError;
+using engine::kStarting;
 
 QString fileNameOf(const QString &path)
 {

@@ -3,8 +3,8 @@
 #include "engine/command_line.h"
 #include "engine/engine_recorder.h"
 #include "engine/ffmpegx.h"
-#include "engine/process_priority.h"
 #include "support/temp_tree.h"
+#include "util/process_priority.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -24,6 +24,8 @@ using namespace Qt::StringLiterals;
 
 namespace qb::engine {
 namespace {
+
+using namespace util; // the priority classes
 
 using test::EngineRecorder;
 using test::TempTree;

@@ -3,9 +3,9 @@
 #include "engine/command_line.h"
 #include "engine/engine_recorder.h"
 #include "engine/ffmpegx.h"
-#include "engine/process_priority.h"
 #include "support/temp_tree.h"
 #include "support/tool_run.h"
+#include "util/process_priority.h"
 
 #include <QFileInfo>
 #include <QRandomGenerator>
@@ -19,6 +19,8 @@ using namespace Qt::StringLiterals;
 
 namespace qb::engine {
 namespace {
+
+using namespace util; // the priority classes
 
 using test::EngineRecorder;
 using test::TempTree;

@@ -1,7 +1,7 @@
 // The status names, priority classes and the remainder estimate across midnight.
 #include "engine/job_progress.h"
-#include "engine/process_priority.h"
 #include "engine/status_codes.h"
+#include "util/process_priority.h"
 
 #include <QStringList>
 
@@ -11,6 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace qb::engine {
 namespace {
+
+using namespace util; // the priority classes
 
 TEST(StatusNames, NamedCodesAndSilentOnes)
 {

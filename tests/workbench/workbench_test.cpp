@@ -1,6 +1,6 @@
 // The workbench end to end without a window: adding a tree, building through the real job engine
 // and our cabinet maker, checking the cabinet with cabextract, opening it and extracting.
-#include "engine/process_priority.h"
+#include "util/process_priority.h"
 #include "support/hostile_names.h"
 #include "support/temp_tree.h"
 #include "support/tool_run.h"
@@ -45,7 +45,7 @@ protected:
         bench.setClock([] { return QTime(12, 34, 56); });
         // Idle priority, the engine's default, could leave the maker starved for minutes while
         // other tests keep both cores busy.
-        bench.FFmpegX1().setpriority(engine::kPriorityNormal);
+        bench.FFmpegX1().setpriority(util::kPriorityNormal);
     }
 
     // A tree with nested folders, Chinese names, blanks and an empty file; returns its root.

@@ -1,7 +1,7 @@
 // Priority classes of the job's tool (the values hosts store) and the nice values that carry them.
 #pragma once
 
-namespace qb::engine {
+namespace qb::util {
 
 inline constexpr int kPriorityIdle = 64;
 inline constexpr int kPriorityBelowNormal = 16384;
@@ -17,4 +17,4 @@ int NiceForPriorityClass(int priorityClass);
 // The class a nice value belongs to: the class whose nice value is nearest.
 int PriorityClassForNice(int nice);
 
-} // namespace qb::engine
+} // namespace qb::util

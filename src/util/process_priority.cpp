@@ -1,10 +1,10 @@
 // Mapping between priority classes and nice values.
-#include "engine/process_priority.h"
+#include "util/process_priority.h"
 
 #include <array>
 #include <cstdlib>
 
-namespace qb::engine {
+namespace qb::util {
 
 namespace {
 
@@ -39,4 +39,4 @@ int PriorityClassForNice(int nice)
     return best->priorityClass;
 }
 
-} // namespace qb::engine
+} // namespace qb::util
