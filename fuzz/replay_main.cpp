@@ -1,5 +1,6 @@
 // Runs saved fuzz inputs through a target without libFuzzer: each argument is a file or a
-// folder of files. Exits non-zero only by crashing, as a fuzzer would.
+// folder of files. Exits non-zero by crashing, as a fuzzer would, or when an argument names
+// nothing or a folder without files: a lost corpus must not pass as a clean replay.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -25,15 +26,28 @@ int runFile(const std::filesystem::path &file)
 
 int main(int argc, char **argv)
 {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s corpus-folder-or-input...\n", argv[0]);
+        return 1;
+    }
     int count = 0;
     for (int i = 1; i < argc; ++i) {
         const std::filesystem::path arg(argv[i]);
         if (std::filesystem::is_directory(arg)) {
+            int inFolder = 0;
             for (const auto &entry : std::filesystem::recursive_directory_iterator(arg))
                 if (entry.is_regular_file())
-                    count += runFile(entry.path());
+                    inFolder += runFile(entry.path());
+            if (inFolder == 0) {
+                std::fprintf(stderr, "corpus folder %s holds no inputs\n", arg.c_str());
+                return 1;
+            }
+            count += inFolder;
         } else if (std::filesystem::is_regular_file(arg)) {
             count += runFile(arg);
+        } else {
+            std::fprintf(stderr, "no corpus folder or input at %s\n", arg.c_str());
+            return 1;
         }
     }
     // The empty input is always worth one run.

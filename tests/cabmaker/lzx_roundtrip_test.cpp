@@ -1,6 +1,7 @@
 // LZX folders checked by outside decoders (cabextract, 7-Zip, libmspack) for every window and level.
 #include "cabmaker/lzx_encoder.h"
 #include "cabmaker/makecab_command.h"
+#include "sample_data.h"
 #include "support/mspack_memory.h"
 #include "support/temp_tree.h"
 #include "support/tool_run.h"
@@ -17,11 +18,9 @@
 
 #include <algorithm>
 #include <functional>
-#include <string_view>
 #include <vector>
 
 using namespace qb::cabmaker;
-using namespace std::literals;
 using qb::test::CabEntry;
 using qb::test::TempTree;
 
@@ -165,46 +164,6 @@ QByteArray makeLongMatches(qsizetype size, QRandomGenerator &random)
     return bytes;
 }
 
-// Fake x86 code: a small vocabulary of instructions, and a call (E8 and a relative operand) every
-// 10 to 30 bytes whose absolute targets come from a short list, as calls to a few functions do.
-QByteArray makeX86(qsizetype size, QRandomGenerator &random)
-{
-    static constexpr std::string_view vocabulary[] = {"\x55"sv, "\x48\x89\xe5"sv, "\x48\x83\xec\x20"sv,
-        "\x89\x7d\xfc"sv, "\x8b\x45\xfc"sv, "\x48\x8b\x45\xf8"sv, "\x31\xc0"sv, "\x5d"sv, "\xc3"sv, "\x90"sv,
-        "\x0f\x1f\x44\x00\x00"sv, "\x48\x8d\x3d\x10\x20\x00\x00"sv, "\x85\xc0"sv, "\x74\x0a"sv, "\x75\xf2"sv,
-        "\x41\x54"sv, "\x41\x5c"sv, "\x48\x89\xc7"sv};
-    const int words = int(std::size(vocabulary));
-    std::vector<qint64> targets;
-    for (int i = 0; i < 48; ++i)
-        targets.push_back(random.bounded(int(std::max<qsizetype>(size, 1))));
-    // Some land past the end and far away, where translation leaves the operand alone.
-    targets.push_back(qint64(size) + 100);
-    targets.push_back(20000000);
-
-    QByteArray bytes;
-    bytes.reserve(size + 64);
-    while (bytes.size() < size) {
-        const qsizetype until = bytes.size() + 8 + random.bounded(24);
-        while (bytes.size() < until) {
-            const int pick = random.bounded(words + 2);
-            if (pick < words) {
-                bytes.append(vocabulary[pick].data(), qsizetype(vocabulary[pick].size()));
-            } else {
-                bytes += char(0xB8 + pick - words); // mov with a random immediate: stray E8 bytes too
-                appendLe32(bytes, random.generate());
-            }
-        }
-        const qint64 position = bytes.size();
-        bytes += char(0xE8);
-        if (random.bounded(10) == 0)
-            appendLe32(bytes, random.generate());
-        else
-            appendLe32(bytes, quint32(targets[size_t(random.bounded(int(targets.size())))] - position));
-    }
-    bytes.truncate(size);
-    return bytes;
-}
-
 QByteArray makeRecords(qsizetype size, QRandomGenerator &random)
 {
     static const quint32 values[] = {0, 1, 100, 0xFFFFFFFF, 0x7F000001, 4096, 65535, 12345678};
@@ -286,7 +245,7 @@ QByteArray makeData(Kind kind, qsizetype size, quint32 salt = 0)
     case Kind::LongMatches:
         return makeLongMatches(size, random);
     case Kind::X86:
-        return makeX86(size, random);
+        return qb::test::FakeX86(size, random);
     case Kind::E8Run:
         return QByteArray(size, '\xE8');
     case Kind::Records:

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
+#include <vector>
 
 namespace qb::test {
 
@@ -31,6 +33,49 @@ QByteArray WordSoup(qsizetype size, quint32 seed)
     QByteArray bytes;
     while (bytes.size() < size)
         bytes += words[random.bounded(12)];
+    bytes.truncate(size);
+    return bytes;
+}
+
+QByteArray FakeX86(qsizetype size, QRandomGenerator &random)
+{
+    using namespace std::literals;
+    static constexpr std::string_view vocabulary[] = {"\x55"sv, "\x48\x89\xe5"sv, "\x48\x83\xec\x20"sv,
+        "\x89\x7d\xfc"sv, "\x8b\x45\xfc"sv, "\x48\x8b\x45\xf8"sv, "\x31\xc0"sv, "\x5d"sv, "\xc3"sv, "\x90"sv,
+        "\x0f\x1f\x44\x00\x00"sv, "\x48\x8d\x3d\x10\x20\x00\x00"sv, "\x85\xc0"sv, "\x74\x0a"sv, "\x75\xf2"sv,
+        "\x41\x54"sv, "\x41\x5c"sv, "\x48\x89\xc7"sv};
+    const auto appendLe32 = [](QByteArray &bytes, quint32 value) {
+        for (int i = 0; i < 4; ++i)
+            bytes += char(value >> (8 * i));
+    };
+    const int words = int(std::size(vocabulary));
+    std::vector<qint64> targets;
+    for (int i = 0; i < 48; ++i)
+        targets.push_back(random.bounded(int(std::max<qsizetype>(size, 1))));
+    // Some land past the end and far away, where translation leaves the operand alone.
+    targets.push_back(qint64(size) + 100);
+    targets.push_back(20000000);
+
+    QByteArray bytes;
+    bytes.reserve(size + 64);
+    while (bytes.size() < size) {
+        const qsizetype until = bytes.size() + 8 + random.bounded(24);
+        while (bytes.size() < until) {
+            const int pick = random.bounded(words + 2);
+            if (pick < words) {
+                bytes.append(vocabulary[pick].data(), qsizetype(vocabulary[pick].size()));
+            } else {
+                bytes += char(0xB8 + pick - words); // mov with a random immediate: stray E8 bytes too
+                appendLe32(bytes, random.generate());
+            }
+        }
+        const qint64 position = bytes.size();
+        bytes += char(0xE8);
+        if (random.bounded(10) == 0)
+            appendLe32(bytes, random.generate());
+        else
+            appendLe32(bytes, quint32(targets[size_t(random.bounded(int(targets.size())))] - position));
+    }
     bytes.truncate(size);
     return bytes;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QRandomGenerator>
 #include <QString>
 
 namespace qb::test {
@@ -11,6 +12,10 @@ QByteArray RandomBytes(qsizetype size, quint32 seed);
 
 // Words (ASCII and Chinese) drawn at random: matches of many lengths and distances.
 QByteArray WordSoup(qsizetype size, quint32 seed);
+
+// Fake x86 code: a small vocabulary of instructions, and a call (E8 and a relative operand) every
+// 10 to 30 bytes whose absolute targets come from a short list, as calls to a few functions do.
+QByteArray FakeX86(qsizetype size, QRandomGenerator &random);
 
 // Inflates a raw deflate stream that may refer back into history; empty with a test failure
 // when zlib rejects it or leaves input behind.
