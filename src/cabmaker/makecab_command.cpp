@@ -4,6 +4,7 @@
 #include "cabmaker/build_report.h"
 #include "cabmaker/cabinet_writer.h"
 #include "cabmaker/directive_interpreter.h"
+#include "util/directive_token.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -120,12 +121,7 @@ bool parseArguments(const QStringList &args, Options &options, QString &problem)
 // A directive text that makes a one-file cabinet of source as destination.
 QByteArray oneFileDirective(const QString &source, const QString &destination)
 {
-    auto quoted = [](QString text) {
-        text.replace(u'%', QStringLiteral("%%"));
-        // A directive file is read line by line: a line end in a name goes in as a reference.
-        text.replace(u'\r', QStringLiteral("%#13%")).replace(u'\n', QStringLiteral("%#10%"));
-        return u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"';
-    };
+    const auto quoted = util::QuoteDirectiveToken;
     const QFileInfo target(destination);
     QString text;
     text += QStringLiteral(".Set CabinetNameTemplate=") + quoted(target.fileName()) + u'\n';

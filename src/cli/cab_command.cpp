@@ -61,38 +61,19 @@ struct CabRun
     }
 };
 
-// Terminal columns of a text: East Asian wide and full-width characters take two, marks none.
-int displayWidth(const QString &text)
-{
-    int width = 0;
-    for (const char32_t c : text.toUcs4()) {
-        const QChar::Category category = QChar::category(c);
-        if (category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing
-            || category == QChar::Other_Format)
-            continue;
-        const bool wide = (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0x303E)
-            || (c >= 0x3041 && c <= 0x33FF) || (c >= 0x3400 && c <= 0x4DBF) || (c >= 0x4E00 && c <= 0x9FFF)
-            || (c >= 0xA000 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF)
-            || (c >= 0xFE30 && c <= 0xFE4F) || (c >= 0xFF00 && c <= 0xFF60) || (c >= 0xFFE0 && c <= 0xFFE6)
-            || (c >= 0x1F300 && c <= 0x1F64F) || (c >= 0x20000 && c <= 0x3FFFD);
-        width += wide ? 2 : 1;
-    }
-    return width;
-}
-
 // Rows in columns two spaces apart, each as wide as its widest cell; right-aligned where asked.
-// The last column is not padded.
+// The last column, the only one that may hold wide characters, is not padded.
 void printColumns(QTextStream &out, const QList<QStringList> &rows, const QList<bool> &rightAligned)
 {
     QList<int> widths(rightAligned.size(), 0);
     for (const QStringList &row : rows) {
         for (qsizetype i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], displayWidth(row[i]));
+            widths[i] = std::max(widths[i], int(row[i].size()));
     }
     for (const QStringList &row : rows) {
         QString line;
         for (qsizetype i = 0; i < row.size(); ++i) {
-            const QString padding(widths[i] - displayWidth(row[i]), u' ');
+            const QString padding(widths[i] - int(row[i].size()), u' ');
             if (i > 0)
                 line += QStringLiteral("  ");
             if (rightAligned[i])

@@ -2,6 +2,7 @@
 #include "workbench/directive_text.h"
 
 #include "engine/command_line.h"
+#include "util/directive_token.h"
 #include "util/number_text.h"
 #include "util/text_file.h"
 #include "workbench/app_context.h"
@@ -15,29 +16,6 @@ namespace qb::workbench {
 namespace {
 
 const QString kCrLf = u"\r\n"_s;
-
-// A path as one quoted token of the maker's line language, read back exactly: "" is a quote, %%
-// a percent sign, and line ends, which would cut the line, are character references.
-QString quoted(const QString &text)
-{
-    QString token;
-    token.reserve(text.size() + 2);
-    token += u'"';
-    for (const QChar c : text) {
-        if (c == u'"')
-            token += u"\"\""_s;
-        else if (c == u'%')
-            token += u"%%"_s;
-        else if (c == u'\r')
-            token += u"%#13%"_s;
-        else if (c == u'\n')
-            token += u"%#10%"_s;
-        else
-            token += c;
-    }
-    token += u'"';
-    return token;
-}
 
 } // namespace
 
@@ -55,18 +33,20 @@ QStringList CompressionLines(const QString &CompressionType, const QString &Comp
 QString DirectiveText(const QString &cabinetPath, const QString &noticePath, const QStringList &compression,
     const QList<DirectiveEntry> &entries)
 {
-    QStringList lines {u".Option EXPLICIT"_s, u".Set CabinetNameTemplate="_s + quoted(cabinetPath),
+    QStringList lines {u".Option EXPLICIT"_s,
+        u".Set CabinetNameTemplate="_s + util::QuoteDirectiveToken(cabinetPath),
         u".Set DiskDirectoryTemplate=CDROM"_s};
     lines += compression;
     lines += {u".Set MaxCabinetSize=0"_s, u".Set MaxDiskSize=0"_s, u".Set UniqueFiles=OFF"_s,
         u".Set FolderFileCountThreshold=0"_s, u".Set Cabinet=on"_s, u".Set DiskDirectory1="_s,
-        quoted(noticePath) + u' ' + quoted(NoticeNameInCabinet())};
+        util::QuoteDirectiveToken(noticePath) + u' ' + util::QuoteDirectiveToken(NoticeNameInCabinet())};
     QString text;
     text.reserve((lines.size() + entries.size()) * 96);
     for (const QString &line : std::as_const(lines))
         text += line + kCrLf + kCrLf;
     for (const DirectiveEntry &entry : entries)
-        text += quoted(entry.source) + u' ' + quoted(entry.nameInCabinet) + kCrLf + kCrLf;
+        text += util::QuoteDirectiveToken(entry.source) + u' '
+            + util::QuoteDirectiveToken(entry.nameInCabinet) + kCrLf + kCrLf;
     return text;
 }
 

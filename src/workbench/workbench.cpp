@@ -53,6 +53,17 @@ bool storableInCabinet(const QString &path, const QString &basePath)
     return !path.contains(QChar::ReplacementCharacter) || QFileInfo::exists(path);
 }
 
+// All of the bytes, flushed and closed without an error.
+bool writeWhole(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    const bool written = file.write(bytes) == bytes.size() && file.flush();
+    file.close();
+    return written && file.error() == QFileDevice::NoError;
+}
+
 } // namespace
 
 Workbench::Workbench(
@@ -320,16 +331,6 @@ void Workbench::BuildCabinet()
     m_engine.setOnlyUseExtCommandLine(true);
     m_engine.setCommandLine(MakeCabCommandLine(gMakeCabPath, mDirectivePath));
     m_engine.StartProcess();
-}
-
-bool Workbench::writeWhole(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
-    const bool written = file.write(bytes) == bytes.size() && file.flush();
-    file.close();
-    return written && file.error() == QFileDevice::NoError;
 }
 
 void Workbench::onProgressChange(

@@ -80,7 +80,6 @@ private:
     void addRow(const QString &path);
     // Tells the user which names an add could not take, once the add is over.
     void reportRefused();
-    static bool writeWhole(const QString &path, const QByteArray &bytes);
     void onStatusChange(int Status, const QString &StatusText);
     void onProgressChange(int ProgressValue, int ProgressMax, int FPSSpeed, const QString &RemainderInfo,
         const QString &OutputInfo, bool LastStatusText);

@@ -5,6 +5,7 @@
 
 #include "sample_data.h"
 #include "support/temp_tree.h"
+#include "util/directive_token.h"
 
 #include <QDir>
 #include <QFile>
@@ -56,11 +57,7 @@ std::string listing(const QString &folder)
     return entries(folder).join(u'|').toStdString();
 }
 
-QString quoted(QString text)
-{
-    text.replace(u'%', QStringLiteral("%%"));
-    return u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"';
-}
+using qb::util::QuoteDirectiveToken;
 
 // A makecab process whose standard output is a pipe of one page, read a byte at a time.
 class Child
@@ -191,11 +188,11 @@ QString writeDirective(
     TempTree &tree, const QString &compression, const QList<QPair<QString, QString>> &files)
 {
     QString text = QStringLiteral(".Set CabinetNameTemplate=%1\r\n.Set DiskDirectory1=\r\n")
-                       .arg(quoted(tree.path(QStringLiteral("out/target.cab"))));
+                       .arg(QuoteDirectiveToken(tree.path(QStringLiteral("out/target.cab"))));
     text += QStringLiteral(".Set InfFileName=NUL\r\n.Set RptFileName=NUL\r\n") + compression
         + QStringLiteral("\r\n");
     for (const auto &[source, name] : files)
-        text += quoted(source) + u' ' + quoted(name) + QStringLiteral("\r\n");
+        text += QuoteDirectiveToken(source) + u' ' + QuoteDirectiveToken(name) + QStringLiteral("\r\n");
     return tree.writeFile(QStringLiteral("run.ddf"), text.toUtf8());
 }
 

@@ -1,9 +1,9 @@
 // The workbench end to end without a window: adding a tree, building through the real job engine
 // and our cabinet maker, checking the cabinet with cabextract, opening it and extracting.
-#include "util/process_priority.h"
 #include "support/hostile_names.h"
 #include "support/temp_tree.h"
 #include "support/tool_run.h"
+#include "util/process_priority.h"
 #include "workbench/app_context.h"
 #include "workbench/general_procedures.h"
 #include "workbench/list_surface.h"
