@@ -62,14 +62,14 @@ QString makeCabWithGcab(TempTree &tree, const QList<CabEntry> &entries, bool msz
         tree.writeFile(QStringLiteral("gcab-src/") + relative, entry.bytes);
         args << relative;
     }
-    const ToolRun run = runTool(QStringLiteral("gcab"), args, tree.path(QStringLiteral("gcab-src")));
+    const ToolResult run = runTool(QStringLiteral("gcab"), args, tree.path(QStringLiteral("gcab-src")));
     EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
     return tree.path(QStringLiteral("gcab.cab"));
 }
 
 QList<ListedFile> cabextractList(const QString &cabPath)
 {
-    const ToolRun run = runTool(QStringLiteral("cabextract"), {QStringLiteral("-l"), cabPath});
+    const ToolResult run = runTool(QStringLiteral("cabextract"), {QStringLiteral("-l"), cabPath});
     EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
     static const QRegularExpression row(
         QStringLiteral(R"(^\s*(\d+) \| (\d\d)\.(\d\d)\.(\d{4}) (\d\d):(\d\d):(\d\d) \| (.*)$)"));

@@ -33,7 +33,7 @@ QList<CabEntry> sampleEntries()
 const QStringList kExtractors {QStringLiteral("cabextract"), QStringLiteral("7zz"), QStringLiteral("bsdtar")};
 
 // One outside extractor unpacks the whole cabinet into folder; names in UTF-8 whatever the locale.
-ToolRun extractWith(const QString &tool, const QString &cab, const QString &folder)
+ToolResult extractWith(const QString &tool, const QString &cab, const QString &folder)
 {
     const ScopedEnv utf8("LC_ALL", "C.UTF-8");
     if (tool == QLatin1String("7zz"))
@@ -116,7 +116,7 @@ TEST_P(ReaderOracle, ExtractsEveryFileByteExact)
     for (const QString &tool : kExtractors) {
         SCOPED_TRACE(tool.toStdString());
         const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
-        const ToolRun run = extractWith(tool, cab, theirs);
+        const ToolResult run = extractWith(tool, cab, theirs);
         ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
         EXPECT_EQ(filesBelow(theirs), expectedFiles);
         for (const QString &relative : expectedFiles)
@@ -177,7 +177,7 @@ QString expectEveryReaderAgrees(TempTree &tree, const QString &cab, const QStrin
     for (const QString &tool : kExtractors) {
         SCOPED_TRACE(tool.toStdString());
         const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
-        const ToolRun run = extractWith(tool, cab, theirs);
+        const ToolResult run = extractWith(tool, cab, theirs);
         EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
         EXPECT_EQ(filesBelow(theirs), expected);
         for (const QString &relative : expected)

@@ -277,7 +277,7 @@ QString caseName(const Case &c)
 // Outside tools
 
 using qb::test::runTool;
-using qb::test::ToolRun;
+using qb::test::ToolResult;
 
 struct Entry
 {
@@ -349,16 +349,16 @@ QString makeLzxCabinet(TempTree &tree, const QList<Entry> &entries, int window, 
 // has to come back byte for byte from each.
 void verifyWithDecoders(TempTree &tree, const QString &cabinetPath, const QList<Entry> &entries)
 {
-    const ToolRun test = runTool(QStringLiteral("cabextract"), {QStringLiteral("-t"), cabinetPath});
+    const ToolResult test = runTool(QStringLiteral("cabextract"), {QStringLiteral("-t"), cabinetPath});
     EXPECT_EQ(test.exitCode, 0) << "cabextract -t: " << test.output.toStdString();
-    const ToolRun sevenTest = runTool(QStringLiteral("7zz"), {QStringLiteral("t"), cabinetPath});
+    const ToolResult sevenTest = runTool(QStringLiteral("7zz"), {QStringLiteral("t"), cabinetPath});
     EXPECT_EQ(sevenTest.exitCode, 0) << "7zz t: " << sevenTest.output.toStdString();
     EXPECT_TRUE(sevenTest.output.contains(QStringLiteral("Everything is Ok")))
         << sevenTest.output.toStdString();
 
     for (const QString &tool : {QStringLiteral("cabextract"), QStringLiteral("7zz")}) {
         const QString into = tree.makeDir(QStringLiteral("x-") + tool);
-        const ToolRun extract = tool == u"7zz"
+        const ToolResult extract = tool == u"7zz"
             ? runTool(
                 tool, {QStringLiteral("x"), QStringLiteral("-y"), QStringLiteral("-o") + into, cabinetPath})
             : runTool(tool, {QStringLiteral("-q"), QStringLiteral("-d"), into, cabinetPath});

@@ -19,7 +19,7 @@ namespace {
 
 using qb::test::RandomBytes;
 using qb::test::runTool;
-using qb::test::ToolRun;
+using qb::test::ToolResult;
 using qb::test::WordSoup;
 
 struct MakeCabRun
@@ -102,14 +102,14 @@ QStringList filesBelow(const QString &folder)
 void verifyWithOracles(
     TempTree &tree, const QString &cabinet, const QList<Entry> &entries, bool askGcab = true)
 {
-    const ToolRun test = runTool(QStringLiteral("cabextract"), {QStringLiteral("-t"), cabinet});
+    const ToolResult test = runTool(QStringLiteral("cabextract"), {QStringLiteral("-t"), cabinet});
     EXPECT_EQ(test.exitCode, 0) << test.output.toStdString();
-    const ToolRun sevenTest = runTool(QStringLiteral("7zz"), {QStringLiteral("t"), cabinet});
+    const ToolResult sevenTest = runTool(QStringLiteral("7zz"), {QStringLiteral("t"), cabinet});
     EXPECT_EQ(sevenTest.exitCode, 0) << sevenTest.output.toStdString();
     EXPECT_TRUE(sevenTest.output.contains(QStringLiteral("Everything is Ok")))
         << sevenTest.output.toStdString();
     if (askGcab) {
-        const ToolRun list = runTool(QStringLiteral("gcab"), {QStringLiteral("-l"), cabinet});
+        const ToolResult list = runTool(QStringLiteral("gcab"), {QStringLiteral("-l"), cabinet});
         EXPECT_EQ(list.exitCode, 0) << list.output.toStdString();
         const QStringList listed = list.output.split(u'\n', Qt::SkipEmptyParts);
         EXPECT_EQ(listed.size(), entries.size()) << list.output.toStdString();
@@ -177,7 +177,7 @@ TEST_P(MakeCabOracle, DuplicateNamesGoInTwice)
     const QList<Entry> entries {
         {QStringLiteral("same.txt"), "first"}, {QStringLiteral("same.txt"), "second"}};
     const QString cabinet = buildCabinet(tree, entries, QString::fromLatin1(GetParam()));
-    const ToolRun list = runTool(QStringLiteral("cabextract"), {QStringLiteral("-l"), cabinet});
+    const ToolResult list = runTool(QStringLiteral("cabextract"), {QStringLiteral("-l"), cabinet});
     EXPECT_EQ(list.output.count(QStringLiteral("same.txt")), 2) << list.output.toStdString();
     verifyWithOracles(tree, cabinet, entries, false);
 }

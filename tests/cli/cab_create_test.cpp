@@ -99,7 +99,7 @@ TEST(CabCreate, RelativePathsCompressionsAndProgress)
         EXPECT_TRUE(run.out.trimmed().section(u'\n', -1).contains(u"已经完成! "_s + work + u"/x.cab"_s))
             << run.out.toStdString();
         EXPECT_FALSE(run.out.contains(u'\r'));
-        const qb::test::ToolRun listing
+        const qb::test::ToolResult listing
             = qb::test::runTool(u"7zz"_s, {u"l"_s, u"-slt"_s, work + u"/x.cab"_s});
         EXPECT_TRUE(listing.output.contains(u"Method = "_s + c.method)) << listing.output.toStdString();
         for (const QString &name : {u"a.txt"_s, u"sub/b.txt"_s, u"--odd"_s})

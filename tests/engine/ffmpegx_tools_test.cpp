@@ -93,7 +93,7 @@ TEST(RealTools, CabinetMakerRunsToAHundredPercent)
     EXPECT_EQ(highest, 100) << rec.pipe.join(u"|"_s).toStdString();
     EXPECT_TRUE(rec.statusCodes().contains(1));
     EXPECT_EQ(rec.statusLines().last(), u"2:"_s);
-    const test::ToolRun check = test::runTool(u"cabextract"_s, {u"-t"_s, tree.path(u"out.cab"_s)});
+    const test::ToolResult check = test::runTool(u"cabextract"_s, {u"-t"_s, tree.path(u"out.cab"_s)});
     EXPECT_EQ(check.exitCode, 0) << check.output.toStdString();
 }
 

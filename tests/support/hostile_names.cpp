@@ -115,7 +115,7 @@ QMap<QString, QString> CompareExtractors(const QString &cabinet, const QString &
         QStringList args;
         for (const QString &arg : pattern)
             args.append(QString(arg).replace(u"%D"_s, out));
-        const ToolRun run = runTool(tool, args);
+        const ToolResult run = runTool(tool, args);
         QString verdict;
         if (run.exitCode != 0)
             verdict = u"exit %1: %2"_s.arg(run.exitCode).arg(run.output);

@@ -5,7 +5,7 @@
 
 namespace qb::test {
 
-ToolRun runTool(const QString &program, const QStringList &args, const QString &folder)
+ToolResult runTool(const QString &program, const QStringList &args, const QString &folder)
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);

@@ -6,13 +6,13 @@
 
 namespace qb::test {
 
-struct ToolRun
+struct ToolResult
 {
     int exitCode = -1; // -1 when it could not start or crashed
     QString output; // standard output and standard error together
 };
 
 // Runs a program to its end (at most ten minutes), in folder when one is given.
-ToolRun runTool(const QString &program, const QStringList &args, const QString &folder = {});
+ToolResult runTool(const QString &program, const QStringList &args, const QString &folder = {});
 
 } // namespace qb::test

@@ -132,7 +132,7 @@ TEST_F(DesktopSession, SecondStartFeedsTheWindowAndTheMenuBuildsTheCabinet)
 
     // The last request item was the folder, so the cabinet is named after it, inside it.
     const QString cabinet = pkg + u"/pkg.cab"_s;
-    qb::test::ToolRun check;
+    qb::test::ToolResult check;
     ASSERT_TRUE(QTest::qWaitFor(
         [&] {
             if (!QFileInfo::exists(cabinet))
@@ -149,7 +149,7 @@ TEST_F(DesktopSession, SecondStartFeedsTheWindowAndTheMenuBuildsTheCabinet)
     QTest::qWait(500);
     const QString shot = QCoreApplication::applicationDirPath() + u"/desktop-session.png"_s;
     QFile::remove(shot);
-    const qb::test::ToolRun grab = qb::test::runTool(u"ffmpeg"_s,
+    const qb::test::ToolResult grab = qb::test::runTool(u"ffmpeg"_s,
         {u"-hide_banner"_s, u"-loglevel"_s, u"error"_s, u"-y"_s, u"-f"_s, u"x11grab"_s, u"-video_size"_s,
             u"1280x900"_s, u"-i"_s, display, u"-frames:v"_s, u"1"_s, shot});
     EXPECT_EQ(grab.exitCode, 0) << grab.output.toStdString();

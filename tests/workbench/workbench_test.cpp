@@ -256,7 +256,7 @@ TEST_P(BuildTest, BuildsOpensAndExtracts)
 
     // An outside tool agrees with the cabinet, byte for byte.
     const QString unpacked = tree.makeDir(u"cabextract"_s);
-    const test::ToolRun run
+    const test::ToolResult run
         = test::runTool(u"cabextract"_s, {u"-q"_s, u"-d"_s, unpacked, bench.mCabinetPath});
     ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
     QMap<QString, QByteArray> expected = filesBelow(root);
