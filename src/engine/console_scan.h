@@ -34,10 +34,15 @@ struct ScanContext
 // Raises StatusChange(code, text); the gate on events is the caller's.
 using StatusSink = std::function<void(int code, const QString &text)>;
 
-// Interprets one chunk of tool output (up to 256 bytes, not a line: it may hold parts of
-// several). The first rule that fits decides: fatal phrases, the seeking line, progress lines of
-// the encoder, header lines, percentage tools, the cabinet maker's "*% - *(* of *)" lines, and
-// anything else passed on as information.
+// A console interpreter: turns one chunk of a tool's output into events and moves the job's
+// fields. It starts nothing and keeps nothing outside the state it is given.
+using ConsoleInterpreter = std::function<void(
+    const QString &chunk, ScanState &state, const ScanContext &context, const StatusSink &raise)>;
+
+// The interpreter of the tools the engine knows today. Interprets one chunk of tool output (up to 256 bytes,
+// not a line: it may hold parts of several). The first rule that fits decides: fatal phrases, the seeking
+// line, progress lines of the encoder, header lines, percentage tools, the cabinet maker's "*% - *(* of *)"
+// lines, and anything else passed on as information.
 void ScanToolOutput(
     const QString &chunk, ScanState &state, const ScanContext &context, const StatusSink &raise);
 

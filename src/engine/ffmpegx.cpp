@@ -1,11 +1,10 @@
 // The engine's state, its setters and the name helpers it offers.
 #include "engine/ffmpegx.h"
 
+#include "engine/ffmpegx_round.h"
 #include "engine/status_codes.h"
-#include "engine/tool_process.h"
 #include "util/file_names.h"
 #include "util/file_search.h"
-#include "util/process_priority.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -23,18 +22,6 @@ FFmpegX::FFmpegX(QObject *parent)
     connect(m_search, &util::FileSearchEngine::SearchEnd, this, &FFmpegX::SearchEnd);
     connect(m_search, &util::FileSearchEngine::SearchFile, this, &FFmpegX::SearchFile);
     connect(&m_refreshTimer, &QTimer::timeout, this, &FFmpegX::onRefreshTick);
-    m_terminateTimer.setSingleShot(true);
-    connect(&m_terminateTimer, &QTimer::timeout, this, &FFmpegX::onTerminateTimeout);
-}
-
-FFmpegX::~FFmpegX()
-{
-    if (m_tool) {
-        disconnect(&m_tool->process(), nullptr, this, nullptr);
-        delete m_tool; // stops whatever still runs of the job
-    }
-    if (!m_tempBase.isEmpty())
-        QFile::remove(m_tempBase);
 }
 
 double FFmpegX::value() const
@@ -55,16 +42,6 @@ void FFmpegX::setStatusRefreshInterval(int milliseconds)
         m_refreshTimer.stop();
         m_refreshTimer.start(std::max(0, milliseconds));
     }
-}
-
-void FFmpegX::setpriority(int priorityClass)
-{
-    if (priorityClass == m_priority)
-        return;
-    m_priority = priorityClass;
-    Q_EMIT PropertyMarkedChanged(QStringLiteral("priority"));
-    if (m_processing && m_tool)
-        m_tool->setNice(util::NiceForPriorityClass(priorityClass));
 }
 
 void FFmpegX::setFileName(const QString &value)
@@ -107,14 +84,21 @@ void FFmpegX::setCore(const QString &path)
     m_core = path;
 }
 
+void FFmpegX::setJobComposer(JobComposer composer)
+{
+    m_composer = [this, composer = std::move(composer)](
+                     int pass) -> ComposedCommand { return composer(Settings(), pass); };
+}
+
+JobSettings FFmpegX::Settings() const
+{
+    return {m_fileName, m_fileInfo, m_outputDir, m_core, m_tempBase, FileOutput, Job, CoreState, Video, AVS,
+        Image};
+}
+
 QString FFmpegX::GetStatusString(int Status)
 {
     return qb::engine::GetStatusString(Status);
-}
-
-qint64 FFmpegX::ProcessId() const
-{
-    return m_tool && m_tool->running() ? m_tool->pid() : 0;
 }
 
 void FFmpegX::raiseStatus(int code, const QString &text)

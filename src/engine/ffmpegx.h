@@ -7,6 +7,8 @@
 #include "engine/console_scan.h"
 #include "engine/engine_properties.h"
 #include "engine/engine_texts.h"
+#include "engine/job_settings.h"
+#include "engine/tool_command.h"
 
 #include <QObject>
 #include <QString>
@@ -15,14 +17,13 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 
 namespace qb::util {
 class FileSearchEngine;
 }
 
 namespace qb::engine {
-
-class ToolProcess;
 
 class FFmpegX : public QObject
 {
@@ -149,11 +150,18 @@ public:
     QString GetWindowsTempDirectory() const;
 
     // Seams. The composer turns the job into a command for a pass (0 single, 1 and 2 of a
-    // two-pass run); without one a composed job has no command and fails to start. The clock
-    // gives the local time of day; tests move it across midnight.
-    using CommandComposer = std::function<QString(int pass)>;
+    // two-pass run); without one a composed job has no command and fails to start. A job composer
+    // is the pure form: it sees a copy of the job's settings and hands back program and arguments.
+    // The interpreter reads the tool's output (today's console scan unless set). The clock gives
+    // the local time of day; tests move it across midnight.
+    using CommandComposer = std::function<ComposedCommand(int pass)>;
     void setCommandComposer(CommandComposer composer) { m_composer = std::move(composer); }
+    void setJobComposer(JobComposer composer);
+    void setConsoleInterpreter(ConsoleInterpreter interpreter) { m_interpreter = std::move(interpreter); }
     void setClock(std::function<QTime()> clock) { m_clock = std::move(clock); }
+
+    // The job's settings as a composer sees them.
+    JobSettings Settings() const;
 
     // True from the moment StartProcess hands a job to the tool until the job's very end, between
     // the passes of a two-pass job too, when Processing reads False for a moment.
@@ -191,7 +199,7 @@ Q_SIGNALS:
     void PropertyMarkedChanged(const QString &name);
 
 private:
-    enum class Wait { None, Data, Suspended };
+    struct Round;
 
     // Gated raises.
     void raiseStatus(int code, const QString &text);
@@ -200,31 +208,29 @@ private:
     QString now() const;
     QString startOutputFileName() const;
     bool sourceIsSupportedImage() const;
-    QString composeCommand(int pass);
+    ComposedCommand composeCommand(int pass);
     void finishStartProcess();
     void runPassTwo();
 
     // The run, one step per event-loop turn.
-    void runCommand(const QString &command, std::function<void()> done);
+    void runCommand(const ComposedCommand &command, std::function<void()> done);
     void post(void (FFmpegX::*step)(), int delayMs = 0);
     void roundBegin();
     void roundCheck();
     void wake();
     void resumeFromWait();
-    void roundAfterRead(const QByteArray &bytes);
+    void roundAfterRead(const QString &text, bool last);
     void roundTail();
     void onToolOutput();
     void progressStep(bool fromTimer);
     void onRefreshTick();
-    void logChunk();
+    void logChunk(const QString &text);
     void watchPriority();
     void endLoop();
-    void terminateTool();
-    void onTerminateTimeout();
     void onToolGone();
+    void onTerminateFailed();
     void closeRun();
     void decideEnd();
-    QString decodeChunk(const QByteArray &bytes, bool final);
 
     // Hooks of the later parts of the engine.
     QString GetStreamInfo(const QString &fileName);
@@ -243,7 +249,6 @@ private:
     QString m_endTime;
     double m_duration = 0;
     QString m_streamInfo;
-    QString m_pipeText;
     int m_statusRefreshInterval = 500;
     bool m_subclassEnabled = false;
     bool m_allowRaiseEvent = true;
@@ -257,25 +262,17 @@ private:
     QString m_outputDir;
     QString m_core;
 
-    // The run.
-    qint64 m_pipeOk = 0;
+    // The job's files.
     QString m_tempBase;
     std::array<QString, 9> m_tempFiles;
     QString m_inputName;
-    ToolProcess *m_tool = nullptr; // deleted on a later event-loop turn, never inside its signals
-    bool m_inLoop = false;
+
     bool m_jobActive = false;
-    std::function<void()> m_runDone;
-    Wait m_wait = Wait::None;
-    bool m_toolEnded = false;
-    bool m_chunkSinceTick = false;
-    quint64 m_runGeneration = 0;
-    QByteArray m_pendingBytes;
+    std::unique_ptr<Round> m_round; // the tool run of the pass under way
     QTimer m_refreshTimer;
-    QTimer m_terminateTimer;
-    int m_terminateStage = 0;
 
     CommandComposer m_composer;
+    ConsoleInterpreter m_interpreter;
     std::function<QTime()> m_clock;
     util::FileSearchEngine *m_search = nullptr;
 };

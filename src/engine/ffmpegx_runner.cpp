@@ -2,9 +2,11 @@
 // suspend and resume, and how a job is judged when its tool has ended.
 #include "engine/command_line.h"
 #include "engine/ffmpegx.h"
+#include "engine/ffmpegx_round.h"
 #include "engine/job_progress.h"
 #include "engine/status_codes.h"
-#include "engine/tool_process.h"
+#include "engine/tool_run.h"
+#include "engine/wait_for_tool.h"
 #include "util/code_page.h"
 #include "util/file_names.h"
 #include "util/process_priority.h"
@@ -24,9 +26,8 @@ namespace qb::engine {
 
 namespace {
 
-constexpr qint64 kChunkBytes = 256;
-constexpr int kTerminateGraceMs = 500;
-constexpr int kKillWaitMs = 2000;
+// Synchronous helpers wait at most this long; a helper that needs more is ended.
+constexpr int kHelperWaitMs = 10 * 60 * 1000;
 constexpr qint64 kSmallestGoodOutput = 1024;
 
 // Slots of the job's temporary files that the filter chain names without a folder.
@@ -47,22 +48,6 @@ int wholeNumber(double v)
     if (!(t < std::numeric_limits<int>::max()))
         return std::numeric_limits<int>::max();
     return static_cast<int>(t);
-}
-
-// How many bytes at the end start a UTF-8 character that the next read completes.
-qsizetype incompleteUtf8Tail(const QByteArray &bytes)
-{
-    const qsizetype n = bytes.size();
-    for (qsizetype back = 1; back <= 3 && back <= n; ++back) {
-        const auto b = static_cast<unsigned char>(bytes[n - back]);
-        if ((b & 0xC0) == 0x80)
-            continue;
-        if (b < 0xC0)
-            return 0;
-        const qsizetype need = b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : 2;
-        return need > back ? back : 0;
-    }
-    return 0;
 }
 
 // The path without its extension (only a dot in the last part counts).
@@ -159,7 +144,7 @@ void FFmpegX::StartProcess()
         // The first pass's output is a throw-away.
         if (util::FileExists(FileOutput.OutputFileName))
             QFile::remove(FileOutput.OutputFileName);
-        post(&FFmpegX::runPassTwo);
+        QTimer::singleShot(0, this, &FFmpegX::runPassTwo);
     });
 }
 
@@ -183,13 +168,13 @@ void FFmpegX::finishStartProcess()
     m_commandLine.clear();
 }
 
-QString FFmpegX::composeCommand(int pass)
+ComposedCommand FFmpegX::composeCommand(int pass)
 {
     m_twoPassStatus = QString::number(pass);
     m_processing = true;
-    const QString command = m_composer ? m_composer(pass) : QString();
+    ComposedCommand command = m_composer ? m_composer(pass) : ComposedCommand();
     // Not gated: hosts log the commands even when they silence the job.
-    Q_EMIT ScriptChange(command);
+    Q_EMIT ScriptChange(command.text);
     return command;
 }
 
@@ -216,17 +201,43 @@ bool FFmpegX::sourceIsSupportedImage() const
         patterns.cbegin(), patterns.cend(), [&](const QString &p) { return p.trimmed() == wanted; });
 }
 
+FFmpegX::~FFmpegX()
+{
+    // Whatever still runs of the job stops now, not on a later turn.
+    if (m_round)
+        delete std::exchange(m_round->run, nullptr);
+    if (!m_tempBase.isEmpty())
+        QFile::remove(m_tempBase);
+}
+
+void FFmpegX::setpriority(int priorityClass)
+{
+    if (priorityClass == m_priority)
+        return;
+    m_priority = priorityClass;
+    Q_EMIT PropertyMarkedChanged(QStringLiteral("priority"));
+    if (m_processing && m_round)
+        m_round->run->setPriorityClass(priorityClass);
+}
+
+qint64 FFmpegX::ProcessId() const
+{
+    return m_round && m_round->run->running() ? m_round->run->pid() : 0;
+}
+
 void FFmpegX::post(void (FFmpegX::*step)(), int delayMs)
 {
-    QTimer::singleShot(delayMs, this, [this, step, generation = m_runGeneration] {
-        if (generation == m_runGeneration)
+    if (!m_round)
+        return;
+    ToolRun *run = m_round->run;
+    QTimer::singleShot(delayMs, run, [this, step, run] {
+        if (m_round && m_round->run == run)
             (this->*step)();
     });
 }
 
-void FFmpegX::runCommand(const QString &command, std::function<void()> done)
+void FFmpegX::runCommand(const ComposedCommand &command, std::function<void()> done)
 {
-    m_runDone = std::move(done);
     if (m_tempBase.isEmpty() || !QFileInfo::exists(m_tempBase))
         m_tempBase = util::CreateTempFile(util::GetWindowsTempDirectory(), QStringLiteral("qbx"));
     const bool filterFilesUsed = std::any_of(kFilterReferredSlots.cbegin(), kFilterReferredSlots.cend(),
@@ -240,38 +251,28 @@ void FFmpegX::runCommand(const QString &command, std::function<void()> done)
     m_status = kProcessing;
     raiseStatus(kProcessing, m_fileName);
 
-    m_pipeOk = 0;
-    m_pipeText.clear();
-    m_pendingBytes.clear();
-    m_toolEnded = false;
-    m_chunkSinceTick = false;
-    m_wait = Wait::None;
-    m_terminateStage = 0;
-    m_tool = new ToolProcess;
-    if (!m_tool->start(PlanToolLaunch(command), util::NiceForPriorityClass(m_priority), workingDir)) {
+    m_round = std::make_unique<Round>(new ToolRun);
+    m_round->done = std::move(done);
+    ToolRun *run = m_round->run;
+    if (!run->start(command.launch, m_priority, workingDir)) {
         raiseStatus(kError, StringContent.StringContent2);
         closeRun();
         return;
     }
-    QProcess *process = &m_tool->process();
-    connect(process, &QProcess::readyRead, this, &FFmpegX::onToolOutput);
-    connect(process, &QProcess::finished, this, [this] {
-        m_toolEnded = true;
-        if (m_terminateStage > 0)
-            onToolGone();
-        else
-            onToolOutput();
-    });
-    m_pipeOk = 1;
+    connect(run, &ToolRun::outputReady, this, &FFmpegX::onToolOutput);
+    connect(run, &ToolRun::finished, this, &FFmpegX::onToolOutput);
+    connect(run, &ToolRun::terminated, this, &FFmpegX::onToolGone);
+    connect(run, &ToolRun::terminateFailed, this, &FFmpegX::onTerminateFailed);
+    m_round->pipeOk = 1;
     if (m_subclassEnabled)
         m_refreshTimer.start(std::max(0, m_statusRefreshInterval));
-    m_inLoop = true;
+    m_round->inLoop = true;
     roundBegin();
 }
 
 void FFmpegX::roundBegin()
 {
-    if (!m_inLoop)
+    if (!m_round || !m_round->inLoop)
         return;
     if (m_refresh) {
         // The optional extra yield with its 1 ms pause.
@@ -283,59 +284,60 @@ void FFmpegX::roundBegin()
 
 void FFmpegX::roundCheck()
 {
-    if (!m_inLoop)
+    if (!m_round || !m_round->inLoop)
         return;
-    m_wait = Wait::None;
+    Round &round = *m_round;
+    round.wait = Round::Wait::None;
     if (m_cancelRequested) {
         endLoop();
         return;
     }
     if (m_status == kSuspended) {
         // Nothing is read until ResumeApp or CancelProcess wakes the loop.
-        m_wait = Wait::Suspended;
+        round.wait = Round::Wait::Suspended;
         return;
     }
-    QProcess &process = m_tool->process();
-    if (process.bytesAvailable() > 0) {
-        m_pipeOk = 1;
-        roundAfterRead(process.read(kChunkBytes));
+    if (round.run->hasOutput()) {
+        round.pipeOk = 1;
+        roundAfterRead(round.run->read(), false);
         return;
     }
-    if (m_toolEnded || !m_tool->running()) {
+    if (round.run->ended()) {
         // The tool has closed its end: this round is the last.
-        m_pipeOk = 0;
-        roundAfterRead({});
+        round.pipeOk = 0;
+        roundAfterRead(round.run->readRest(), true);
         return;
     }
-    m_wait = Wait::Data;
+    round.wait = Round::Wait::Data;
 }
 
 void FFmpegX::wake()
 {
-    if (m_wait != Wait::None)
+    if (m_round && m_round->wait != Round::Wait::None)
         post(&FFmpegX::resumeFromWait);
 }
 
 void FFmpegX::resumeFromWait()
 {
-    if (m_wait != Wait::None)
+    if (m_round->wait != Round::Wait::None)
         roundCheck();
 }
 
 void FFmpegX::onToolOutput()
 {
-    if (m_wait == Wait::Data)
+    if (m_round && m_round->wait == Round::Wait::Data)
         roundCheck();
 }
 
-void FFmpegX::roundAfterRead(const QByteArray &bytes)
+void FFmpegX::roundAfterRead(const QString &text, bool last)
 {
-    m_pipeText = decodeChunk(bytes, bytes.isEmpty());
-    if (!m_pipeText.isEmpty())
-        m_chunkSinceTick = true;
+    Q_UNUSED(last); // the last read's result is already in pipeOk
+    m_round->pipeText = text;
+    if (!text.isEmpty())
+        m_round->chunkSinceTick = true;
     if (m_allowRaiseEvent)
-        Q_EMIT PipeChange(m_pipeText + QStringLiteral("\r\n"));
-    if (!m_pipeText.isEmpty() && !m_subclassEnabled)
+        Q_EMIT PipeChange(text + QStringLiteral("\r\n"));
+    if (!text.isEmpty() && !m_subclassEnabled)
         progressStep(false);
     // The yield: handlers and the refresh timer run before the chunk is scanned.
     post(&FFmpegX::roundTail);
@@ -343,10 +345,11 @@ void FFmpegX::roundAfterRead(const QByteArray &bytes)
 
 void FFmpegX::roundTail()
 {
-    if (!m_inLoop)
+    if (!m_round->inLoop)
         return;
+    const QString chunk = std::exchange(m_round->pipeText, QString());
     if (m_log)
-        logChunk();
+        logChunk(chunk);
     ScanContext context;
     context.TimeStartPoint = Job.TimeStartPoint;
     context.TimeEndPoint = Job.TimeEndPoint;
@@ -357,32 +360,21 @@ void FFmpegX::roundTail()
     context.StringContent16 = StringContent.StringContent16;
     context.StringContent19 = StringContent.StringContent19;
     context.StringContent20 = StringContent.StringContent20;
-    const QString chunk = std::exchange(m_pipeText, QString());
-    ScanToolOutput(
-        chunk, m_scan, context, [this](int code, const QString &text) { raiseStatus(code, text); });
-    if (!m_inLoop)
+    const ToolRun *run = m_round->run;
+    const auto raise = [this](int code, const QString &text) { raiseStatus(code, text); };
+    if (m_interpreter)
+        m_interpreter(chunk, m_scan, context, raise);
+    else
+        ScanToolOutput(chunk, m_scan, context, raise);
+    // A handler may have ended the job, or even started the next one.
+    if (!m_round || m_round->run != run || !m_round->inLoop)
         return;
     watchPriority();
-    if (m_pipeOk == 0) {
+    if (m_round->pipeOk == 0) {
         endLoop();
         return;
     }
     post(&FFmpegX::roundBegin);
-}
-
-QString FFmpegX::decodeChunk(const QByteArray &bytes, bool final)
-{
-    QByteArray text = m_pendingBytes + bytes;
-    m_pendingBytes.clear();
-    if (!final) {
-        // A character cut by the 256-byte read waits for its rest instead of turning into garbage.
-        const qsizetype tail = incompleteUtf8Tail(text);
-        if (tail > 0 && util::IsValidUtf8(QByteArrayView(text).first(text.size() - tail))) {
-            m_pendingBytes = text.right(tail);
-            text.chop(tail);
-        }
-    }
-    return util::DecodeCodePage(text, 0);
 }
 
 void FFmpegX::progressStep(bool fromTimer)
@@ -395,24 +387,24 @@ void FFmpegX::progressStep(bool fromTimer)
             m_remainderInfo = remainder;
     }
     if (fromTimer || !m_subclassEnabled)
-        raiseProgress(
-            wholeNumber(value()), wholeNumber(Max()), static_cast<int>(m_scan.FPSSpeed), m_pipeOk == 0);
+        raiseProgress(wholeNumber(value()), wholeNumber(Max()), static_cast<int>(m_scan.FPSSpeed),
+            !m_round || m_round->pipeOk == 0);
 }
 
 void FFmpegX::onRefreshTick()
 {
     // A tick reports only when the tool has printed since the last one. (Yields here are whole
     // event-loop turns, so "a chunk is waiting to be scanned" cannot be caught at the instant.)
-    if (!m_subclassEnabled || !std::exchange(m_chunkSinceTick, false))
+    if (!m_subclassEnabled || !m_round || !std::exchange(m_round->chunkSinceTick, false))
         return;
     progressStep(true);
 }
 
-void FFmpegX::logChunk()
+void FFmpegX::logChunk(const QString &chunk)
 {
     if (m_core.isEmpty())
         return;
-    QString text = m_pipeText;
+    QString text = chunk;
     if (!m_inputName.isEmpty())
         text.replace(m_inputName, m_fileName);
     text.replace(QStringLiteral("avs"), QFileInfo(m_fileName).suffix());
@@ -421,26 +413,24 @@ void FFmpegX::logChunk()
 
 void FFmpegX::watchPriority()
 {
-    const std::optional<int> nice = m_tool ? m_tool->nice() : std::nullopt;
-    if (!nice)
-        return;
-    const int actual = util::PriorityClassForNice(*nice);
-    if (actual == m_priority)
+    const std::optional<int> actual = m_round->run->priorityClass();
+    if (!actual || *actual == m_priority)
         return;
     // The position lands in the priority field, so the event repeats every round; hosts rely on
     // the repetition as a sign that the tool could not be given its priority.
     m_priority = wholeNumber(value());
     Q_EMIT PropertyMarkedChanged(QStringLiteral("priority"));
     if (m_allowRaiseEvent)
-        Q_EMIT PriorityChanged(actual);
+        Q_EMIT PriorityChanged(*actual);
 }
 
 void FFmpegX::endLoop()
 {
-    m_inLoop = false;
-    m_wait = Wait::None;
+    m_round->inLoop = false;
+    m_round->wait = Round::Wait::None;
     if (m_cancelRequested) {
-        terminateTool();
+        // Ends in onToolGone or onTerminateFailed, at once when the tool has gone already.
+        m_round->run->terminate();
         return;
     }
     const QString output = FileOutput.OutputFileName;
@@ -451,52 +441,22 @@ void FFmpegX::endLoop()
     closeRun();
 }
 
-void FFmpegX::terminateTool()
+void FFmpegX::onToolGone()
 {
-    if (!m_tool->running()) {
-        // Gone already (it may have obeyed the key); whatever it left in its group goes too.
-        m_tool->signalGroup(SIGKILL);
-        raiseStatus(kCanceled, m_fileName);
-        closeRun();
-        return;
-    }
-    m_terminateStage = 1;
-    m_tool->signalGroup(SIGTERM);
-    m_tool->signalGroup(SIGCONT); // a suspended tool only sees the request once it runs
-    m_terminateTimer.start(kTerminateGraceMs);
-}
-
-void FFmpegX::onTerminateTimeout()
-{
-    if (m_terminateStage == 1) {
-        m_terminateStage = 2;
-        m_tool->signalGroup(SIGKILL);
-        m_terminateTimer.start(kKillWaitMs);
-        return;
-    }
-    m_terminateStage = 0;
-    raiseStatus(kCancelFailed, StringContent.StringContent3 + QString::number(m_tool->pid()));
+    raiseStatus(kCanceled, m_fileName);
     closeRun();
 }
 
-void FFmpegX::onToolGone()
+void FFmpegX::onTerminateFailed()
 {
-    m_terminateTimer.stop();
-    m_terminateStage = 0;
-    m_tool->signalGroup(SIGKILL);
-    raiseStatus(kCanceled, m_fileName);
+    raiseStatus(kCancelFailed, StringContent.StringContent3 + QString::number(m_round->run->pid()));
     closeRun();
 }
 
 void FFmpegX::closeRun()
 {
-    m_inLoop = false;
-    m_wait = Wait::None;
-    if (m_tool) {
-        disconnect(&m_tool->process(), nullptr, this, nullptr);
-        m_tool->deleteLater();
-        m_tool = nullptr;
-    }
+    std::function<void()> done = m_round ? std::exchange(m_round->done, nullptr) : nullptr;
+    m_round.reset();
     for (QString &slot : m_tempFiles) {
         if (!slot.isEmpty() && QFileInfo::exists(slot))
             QFile::remove(slot);
@@ -506,6 +466,7 @@ void FFmpegX::closeRun()
     raiseProgress(0, 0, 0, true);
     decideEnd();
 
+    // The job's reported fields start over for the next pass or job.
     const bool firstPass = m_twoPassStatus == QStringLiteral("1");
     m_scan = ScanState {};
     m_remainderInfo.clear();
@@ -515,8 +476,7 @@ void FFmpegX::closeRun()
     if (!firstPass)
         m_cancelRequested = false;
     m_twoPassStatus = QStringLiteral("0");
-    ++m_runGeneration;
-    if (auto done = std::exchange(m_runDone, nullptr))
+    if (done)
         done();
 }
 
@@ -578,8 +538,8 @@ int FFmpegX::SuspendApp()
 {
     if (m_status != kSuspended) {
         m_status = kSuspended;
-        if (m_tool && m_tool->running())
-            m_tool->signalGroup(SIGSTOP);
+        if (m_round)
+            m_round->run->suspend();
     }
     return 0;
 }
@@ -588,7 +548,7 @@ int FFmpegX::ResumeApp()
 {
     int previous = 0;
     if (m_status != kProcessing) {
-        if (m_tool && m_tool->running() && m_tool->signalGroup(SIGCONT))
+        if (m_round && m_round->run->resume())
             previous = 1;
         m_status = kProcessing;
         wake();
@@ -599,43 +559,32 @@ int FFmpegX::ResumeApp()
 qint64 FFmpegX::SendKeyToDos(const QString &value)
 {
     qint64 handle = 0;
-    if (!value.isEmpty() && m_tool && m_tool->running()) {
+    if (!value.isEmpty() && m_round && m_round->run->running()) {
         const char16_t code = value.at(0).unicode();
         // The key travels as its hexadecimal digits read back as a decimal number; a code whose
         // hexadecimal form holds a letter cannot, and nothing is typed.
         const QString hex = QString::number(code, 16);
         const bool digitsOnly = std::all_of(hex.cbegin(), hex.cend(), [](QChar c) { return c.isDigit(); });
-        if (digitsOnly && m_tool->process().write(QString(value.at(0)).toUtf8()) > 0)
-            handle = m_tool->pid();
+        if (digitsOnly && m_round->run->write(QString(value.at(0)).toUtf8()))
+            handle = m_round->run->pid();
     }
-    m_pipeOk = handle;
+    if (m_round)
+        m_round->pipeOk = handle;
     return handle;
 }
 
 bool FFmpegX::ExecuteAndWait(const QString &cmdline, bool ShowWindow)
 {
     Q_UNUSED(ShowWindow); // no console windows to show here
-    const ToolLaunch launch = PlanDirectLaunch(cmdline);
-    ToolProcess tool;
-    tool.process().setStandardOutputFile(QProcess::nullDevice());
-    if (!tool.start(launch, util::NiceForPriorityClass(util::kPriorityNormal), QString()))
-        return false;
-    tool.process().closeWriteChannel();
-    tool.process().waitForFinished(-1);
-    return true;
+    return WaitForTool(PlanDirectLaunch(cmdline), {kHelperWaitMs, 0}, ToolRun::Output::Discard).started;
 }
 
 bool FFmpegX::ShellAndWait(const QString &cmdline, bool ShowWindow)
 {
     Q_UNUSED(ShowWindow);
-    QProcess shell;
-    shell.setProcessChannelMode(QProcess::ForwardedChannels);
-    shell.setStandardInputFile(QProcess::nullDevice());
-    shell.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), cmdline});
-    if (!shell.waitForStarted(30000))
-        return false; // nothing ran: the caller must not take it as done
-    shell.waitForFinished(-1);
-    return true;
+    const ToolLaunch shell {QStringLiteral("/bin/sh"), {QStringLiteral("-c"), cmdline}, true};
+    // Nothing ran when the shell could not start: the caller must not take it as done.
+    return WaitForTool(shell, {kHelperWaitMs, 0}, ToolRun::Output::Forward).started;
 }
 
 bool FFmpegX::CloseProcess(qint64 lProcessID, int uExitCode)
