@@ -39,6 +39,8 @@ ToolRun::~ToolRun()
     m_process.disconnect(this);
     if (running())
         kill(kKillWaitMs);
+    else if (m_pid > 0)
+        signalGroup(SIGKILL); // what the tool left behind in its group
 }
 
 bool ToolRun::start(const ToolLaunch &launch, int priorityClass, const QString &workingDir)
