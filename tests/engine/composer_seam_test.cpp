@@ -1,7 +1,6 @@
 // The seam between pure parts and the runner: a composed argument list reaches the tool exactly
 // and is shown as one text that splits back into it; recorded tool output replayed in 256-byte
 // reads drives the interpreter as a live run would.
-#include "engine/chunk_decoder.h"
 #include "engine/console_scan.h"
 #include "engine/engine_recorder.h"
 #include "engine/ffmpegx.h"
@@ -19,22 +18,6 @@ namespace qb::engine {
 namespace {
 
 using test::TempTree;
-
-// Recorded output as the run object hands it over: reads of at most 256 bytes, decoded.
-QStringList replayInReads(const QByteArray &recorded)
-{
-    QStringList chunks;
-    ChunkDecoder decoder;
-    for (qsizetype at = 0; at < recorded.size(); at += 256)
-        chunks.append(decoder.decode(recorded.mid(at, 256), false));
-    chunks.append(decoder.decode({}, true));
-    return chunks;
-}
-
-QByteArray recorded(const QString &name)
-{
-    return test::readAll(QStringLiteral(QB_TRANSCRIPT_DIR "/") + name);
-}
 
 TEST(ComposedCommand, TextSplitsBackIntoTheArguments)
 {
@@ -78,7 +61,7 @@ TEST(ConsoleReplay, RecordedEncodeInReadsGivesLengthPositionAndSpeed)
     QStringList statuses;
     const auto raise
         = [&](int code, const QString &text) { statuses.append(u"%1:%2"_s.arg(code).arg(text)); };
-    for (const QString &chunk : replayInReads(recorded(u"ffmpeg-5.1-encode.txt"_s)))
+    for (const QString &chunk : test::replayInReads(test::recorded(u"ffmpeg-5.1-encode.txt"_s)))
         ScanToolOutput(chunk, state, {}, raise);
     // The first read ends inside the length ("Duration: 00:00:02."), which still gives two
     // seconds. The last chunk with progress is cut in mid-line too: its first time is
@@ -102,7 +85,7 @@ TEST(ConsoleReplay, RecordedUnknownEncoderIsAnError)
         if (code == kFatalToolText)
             errors.append(text);
     };
-    for (const QString &chunk : replayInReads(recorded(u"ffmpeg-5.1-unknown-encoder.txt"_s)))
+    for (const QString &chunk : test::replayInReads(test::recorded(u"ffmpeg-5.1-unknown-encoder.txt"_s)))
         ScanToolOutput(chunk, state, {}, raise);
     ASSERT_EQ(errors.size(), 1);
     EXPECT_TRUE(errors.first().contains(u"Unknown encoder 'nosuchenc'"_s)) << errors.first().toStdString();

@@ -1,6 +1,8 @@
 // The engine test helpers.
 #include "engine/engine_recorder.h"
 
+#include "engine/chunk_decoder.h"
+
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QTest>
@@ -68,6 +70,27 @@ QString writeToolScript(const QString &path, const QString &body)
     file.close();
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return path;
+}
+
+QStringList replayInReads(const QByteArray &recorded)
+{
+    QStringList chunks;
+    engine::ChunkDecoder decoder;
+    for (qsizetype at = 0; at < recorded.size(); at += 256)
+        chunks.append(decoder.decode(recorded.mid(at, 256), false));
+    chunks.append(decoder.decode({}, true));
+    return chunks;
+}
+
+QString replayJoined(const QByteArray &recorded)
+{
+    return replayInReads(recorded).join(QString());
+}
+
+QByteArray recorded(const QString &name)
+{
+    QFile file(QStringLiteral(QB_TRANSCRIPT_DIR "/") + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 bool waitForJobEnd(const engine::FFmpegX &engine, int timeoutMs)

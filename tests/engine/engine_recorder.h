@@ -45,6 +45,13 @@ public:
 // Writes an executable /bin/sh script; returns its path.
 QString writeToolScript(const QString &path, const QString &body);
 
+// Recorded tool output as a run hands it over: reads of at most 256 bytes, decoded.
+QStringList replayInReads(const QByteArray &recorded);
+// The same, joined into one text, as the short runs join what they read.
+QString replayJoined(const QByteArray &recorded);
+// A recorded tool output from tests/engine/transcripts.
+QByteArray recorded(const QString &name);
+
 // Runs the event loop until the engine's job has ended; false after the timeout.
 bool waitForJobEnd(const engine::FFmpegX &engine, int timeoutMs = 20000);
 
