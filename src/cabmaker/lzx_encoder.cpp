@@ -3,15 +3,15 @@
 #include "cabmaker/lzx_encoder.h"
 
 #include "cabmaker/huffman_code.h"
+#include "cabmaker/lzx_match_pipeline.h"
 #include "cabmaker/lzx_stream_writer.h"
 #include "cabmaker/match_finder.h"
 #include "util/cab_format.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
 #include <limits>
-#include <thread>
+#include <optional>
 
 namespace qb::cabmaker {
 
@@ -21,7 +21,6 @@ namespace {
 
 constexpr uint32_t kChunkBytes = 2u << 20; // parsed and grouped into blocks at once
 constexpr uint32_t kPadding = 16; // readable bytes behind the data, for 8-byte compares
-constexpr uint32_t kMaxPairDistance = 2048;
 
 struct LevelParams
 {
@@ -175,6 +174,8 @@ void translateFrame(uint8_t *p, uint32_t size, uint64_t framePosition, int32_t t
 
 } // namespace
 
+// Runs on the caller's thread and owns everything here but the near-optimal levels' match
+// finder, which lives on its own thread inside m_pipeline and hands over matches through its ring.
 class LzxEncoder::Impl
 {
 public:
@@ -185,15 +186,16 @@ public:
         , m_e8(options.e8Translation)
         , m_capacity(m_window + kChunkBytes)
         , m_buffer(m_capacity + kPadding, 0)
-        , m_finder(m_params.passes > 0 ? 1 : m_capacity, m_windowBits >= 19 ? 17 : 16)
-        , m_tree(m_params.passes > 0 ? m_capacity : 1, m_windowBits >= 19 ? 17 : 16)
         , m_writer(m_windowBits, options.e8Translation, kLzxE8TranslationSize)
-    { }
+        , m_chains(m_params.passes > 0 ? 1 : m_capacity, hashBits())
+    {
+        if (m_params.passes > 0)
+            m_pipeline.emplace(m_capacity, hashBits(), distanceLimit(), m_params.nice, m_params.depth);
+    }
 
     size_t peakMemory() const
     {
-        return m_buffer.size() + m_finder.memoryBytes() + m_tree.memoryBytes()
-            + m_lastPair.size() * sizeof(int32_t) + m_peakScratch;
+        return m_buffer.size() + m_chains.memoryBytes() + (m_pipeline ? m_pipeline->memoryBytes() : 0);
     }
 
     void encode(const uint8_t *data, size_t size, bool last, std::vector<EncodedBlock> &out)
@@ -210,35 +212,38 @@ public:
     }
 
 private:
-    void makeRoom(uint32_t incoming)
+    int hashBits() const { return m_windowBits >= 19 ? 17 : 16; }
+
+    // Keeps the last window of data to make room for `incoming` bytes; returns how many bytes
+    // left the front.
+    uint32_t makeRoom(uint32_t incoming)
     {
         if (m_size + incoming <= m_capacity)
-            return;
+            return 0;
         const uint32_t keep = std::min(m_size, m_window);
         const uint32_t drop = m_size - keep;
         std::memmove(m_buffer.data(), m_buffer.data() + drop, keep);
-        if (m_params.passes > 0)
-            m_tree.rebase(drop, keep);
-        else
-            m_finder.rebase(drop, keep);
-        m_inserted -= std::min(m_inserted, drop);
-        m_treeInserted -= std::min(m_treeInserted, drop);
-        for (int32_t &last : m_lastPair)
-            last = last >= int32_t(drop) ? last - int32_t(drop) : -1;
+        // The pipeline's finder rebases itself on its own thread when the next chunk starts.
+        if (!m_pipeline) {
+            m_chains.rebase(drop, keep);
+            m_inserted -= std::min(m_inserted, drop);
+        }
         m_size = keep;
         m_bufferStart += drop;
+        return drop;
     }
 
     void insertUpTo(uint32_t position)
     {
         const uint32_t limit = std::min(position, m_size >= 3 ? m_size - 2 : 0);
         for (; m_inserted < limit; ++m_inserted)
-            m_finder.insert(m_buffer.data(), m_inserted);
+            m_chains.insert(m_buffer.data(), m_inserted);
     }
 
     // The format reaches 2^w - 3 back, but one widely used decoder copies wrongly from exactly
     // there; a byte less costs nothing worth having.
-    uint32_t maxDistance(uint32_t pos) const { return std::min(m_window - 4, pos); }
+    uint32_t distanceLimit() const { return m_window - 4; }
+    uint32_t maxDistance(uint32_t pos) const { return std::min(distanceLimit(), pos); }
 
     // The longest repeated-offset match at pos: its slot (0..2) and length, length 0 if none.
     void bestRepeat(
@@ -273,7 +278,7 @@ private:
         Match found;
         insertUpTo(pos);
         if (repLength < m_params.nice)
-            m_finder.find(m_buffer.data(), pos, maxLength, maxDistance(pos), m_params.depth, found);
+            m_chains.find(m_buffer.data(), pos, maxLength, maxDistance(pos), m_params.depth, found);
         auto consider = [&](uint32_t length, uint32_t code) {
             if (length < kMinMatch)
                 return;
@@ -332,85 +337,17 @@ private:
         insertUpTo(end);
     }
 
-    // Finds the matches of every position of a frame for the near-optimal parser: the tree's
-    // matches cut at the frame's end, and a near two-byte match. index[i]..index[i+1] are
-    // position i's matches, lengths rising.
-    struct FrameMatches
-    {
-        std::vector<uint32_t> index;
-        std::vector<Match> matches;
-    };
-    void gatherMatches(uint32_t start, uint32_t end, FrameMatches &out)
-    {
-        const uint32_t n = end - start;
-        constexpr int kMaxList = 32;
-        out.index.assign(n + 1, 0);
-        out.matches.resize(std::max<size_t>(out.matches.size(), size_t(n) * 2));
-        uint32_t used = 0;
-        Match list[kMaxMatch + 1];
-        for (uint32_t i = 0; i < n; ++i) {
-            const uint32_t pos = start + i;
-            out.index[i] = used;
-            if (out.matches.size() < size_t(used) + kMaxList + 1)
-                out.matches.resize(out.matches.size() * 2);
-            Match *slots = out.matches.data();
-            const uint32_t maxLength = std::min<uint32_t>(kMaxMatch, end - pos);
-            // The tree compares as far as the data goes; matches are cut at the frame's end.
-            const uint32_t available = std::min<uint32_t>(kMaxMatch, m_size - pos);
-            // Positions without `nice` bytes after them are only searched until the next chunk
-            // brings those bytes; the tree's order needs them (see TreeMatchFinder).
-            indexTreeUpTo(pos, list);
-            int count = 0;
-            if (m_treeInserted == pos && available >= m_params.nice) {
-                count = m_tree.findAndInsert(
-                    m_buffer.data(), pos, available, m_params.nice, maxDistance(pos), m_params.depth, list);
-                ++m_treeInserted;
-            } else {
-                count = m_tree.find(
-                    m_buffer.data(), pos, available, m_params.nice, maxDistance(pos), m_params.depth, list);
-            }
-            int kept = 0;
-            for (int k = 0; k < count; ++k) {
-                const uint32_t length = std::min(list[k].length, maxLength);
-                if (length < 3 || (kept > 0 && list[kept - 1].length >= length))
-                    continue;
-                list[kept++] = {length, list[k].distance};
-            }
-            // Two-byte matches come from the nearest earlier pair; only near ones can pay.
-            if (maxLength >= kMinMatch) {
-                int32_t &last = m_lastPair[size_t(m_buffer[pos]) | size_t(m_buffer[pos + 1]) << 8];
-                const uint32_t distance = last >= 0 ? pos - uint32_t(last) : 0;
-                if (last >= 0 && distance <= kMaxPairDistance && distance <= maxDistance(pos))
-                    slots[used++] = Match {2, distance};
-                last = int32_t(pos);
-            }
-            for (int k = std::max(0, kept - kMaxList); k < kept; ++k)
-                slots[used++] = list[k];
-        }
-        out.index[n] = used;
-    }
-
-    // Inserts the positions before `end` that were left out for lack of data after them.
-    void indexTreeUpTo(uint32_t end, Match *scratch)
-    {
-        for (; m_treeInserted < end && m_size - m_treeInserted >= m_params.nice; ++m_treeInserted)
-            m_tree.findAndInsert(m_buffer.data(), m_treeInserted,
-                std::min<uint32_t>(kMaxMatch, m_size - m_treeInserted), m_params.nice,
-                maxDistance(m_treeInserted), m_params.depth, scratch);
-    }
-
     // Near-optimal parsing of one frame: the cheapest path by the cost model, passes times,
     // each pass pricing with the code lengths the one before produced.
     void parseOptimal(
         uint32_t start, uint32_t end, const FrameMatches &found, Repeats &reps, std::vector<Item> &items)
     {
-        m_found = &found;
         const Repeats startReps = reps;
         CostModel cost = m_cost;
         for (int pass = 0; pass < m_params.passes; ++pass) {
             items.clear();
             reps = startReps;
-            optimalPath(start, end, cost, reps, items);
+            optimalPath(start, end, found, cost, reps, items);
             if (pass + 1 < m_params.passes) {
                 Stats stats;
                 for (const Item &item : items)
@@ -421,8 +358,8 @@ private:
         }
     }
 
-    void optimalPath(
-        uint32_t start, uint32_t end, const CostModel &cost, Repeats &reps, std::vector<Item> &items)
+    void optimalPath(uint32_t start, uint32_t end, const FrameMatches &found, const CostModel &cost,
+        Repeats &reps, std::vector<Item> &items)
     {
         const uint32_t n = end - start;
         constexpr uint32_t kInfinite = std::numeric_limits<uint32_t>::max();
@@ -477,8 +414,8 @@ private:
                 longest = std::max(longest, length);
             }
             uint32_t previous = kMinMatch - 1;
-            for (uint32_t m = m_found->index[i]; m < m_found->index[i + 1]; ++m) {
-                const Match &match = m_found->matches[m];
+            for (uint32_t m = found.index[i]; m < found.index[i + 1]; ++m) {
+                const Match &match = found.matches[m];
                 if (match.length > previous)
                     relaxMatches(i, previous + 1, match.length, state.code(match.distance), state, base);
                 previous = std::max(previous, match.length);
@@ -505,7 +442,7 @@ private:
 
     void encodeChunk(const uint8_t *data, uint32_t size, bool last, std::vector<EncodedBlock> &out)
     {
-        makeRoom(size);
+        const uint32_t dropped = makeRoom(size);
         const uint32_t begin = m_size;
         if (size > 0)
             std::memcpy(m_buffer.data() + begin, data, size);
@@ -532,42 +469,16 @@ private:
             frames.push_back(std::move(frame));
         }
 
-        // The near-optimal levels find matches on a second thread, a frame or more ahead of the
-        // parser: finding depends only on the data, never on the parse.
-        // It stays at most kLookahead frames ahead, which bounds the memory its matches take.
-        constexpr size_t kLookahead = 4;
-        std::vector<FrameMatches> found(m_params.passes > 0 ? frames.size() : 0);
-        std::atomic<size_t> ready {0};
-        std::atomic<size_t> consumed {0};
-        std::thread finder;
-        if (m_params.passes > 0) {
-            finder = std::thread([&] {
-                for (size_t k = 0; k < frames.size(); ++k) {
-                    for (size_t done = consumed.load(std::memory_order_acquire); done + kLookahead <= k;
-                         done = consumed.load(std::memory_order_acquire))
-                        consumed.wait(done, std::memory_order_acquire);
-                    gatherMatches(frames[k].start, frames[k].start + frames[k].size, found[k]);
-                    m_peakScratch = std::max(m_peakScratch,
-                        (kLookahead + 1)
-                            * (found[k].matches.capacity() * sizeof(Match)
-                                + found[k].index.capacity() * sizeof(uint32_t)));
-                    ready.store(k + 1, std::memory_order_release);
-                    ready.notify_one();
-                }
-            });
-        }
+        // The window holds the whole chunk now and stays as it is until the finder has finished.
+        if (m_pipeline)
+            m_pipeline->start(m_buffer.data(), begin, m_size, dropped);
         for (size_t k = 0; k < frames.size(); ++k) {
             Frame &frame = frames[k];
             frame.repeatsBefore = m_reps.r;
             Repeats reps = m_reps;
-            if (m_params.passes > 0) {
-                for (size_t seen = ready.load(std::memory_order_acquire); seen <= k;
-                     seen = ready.load(std::memory_order_acquire))
-                    ready.wait(seen, std::memory_order_acquire);
-                parseOptimal(frame.start, frame.start + frame.size, found[k], reps, frame.items);
-                found[k] = {};
-                consumed.store(k + 1, std::memory_order_release);
-                consumed.notify_one();
+            if (m_pipeline) {
+                parseOptimal(frame.start, frame.start + frame.size, m_pipeline->take(k), reps, frame.items);
+                m_pipeline->release(k);
             } else {
                 parseLazy(frame.start, frame.start + frame.size, reps, frame.items);
             }
@@ -581,6 +492,8 @@ private:
                 m_cost.learn(alone.trees, m_writer.mainSymbols(), alone.type == kBlockAligned);
             }
         }
+        if (m_pipeline)
+            m_pipeline->finish();
 
         // Neighbouring frames share a block while one block costs less than two.
         std::vector<std::vector<uint8_t>> written;
@@ -616,8 +529,6 @@ private:
             m_cost.learn(plan.trees, m_writer.mainSymbols(), plan.type == kBlockAligned);
             f = g;
         }
-        if (finder.joinable())
-            finder.join();
         for (size_t k = 0; k < frames.size(); ++k) {
             EncodedBlock block;
             block.payload
@@ -633,24 +544,22 @@ private:
     LevelParams m_params;
     bool m_e8;
     uint32_t m_capacity;
+    // The window. The finder thread reads it while a chunk is parsed, so it changes only between.
     std::vector<uint8_t> m_buffer;
     uint32_t m_size = 0;
     uint64_t m_bufferStart = 0;
-    uint32_t m_inserted = 0;
-    uint32_t m_treeInserted = 0; // positions before this are in the tree
-    MatchFinder m_finder; // lazy levels
-    TreeMatchFinder m_tree; // near-optimal levels
     StreamWriter m_writer;
     Repeats m_reps;
     CostModel m_cost;
-    size_t m_peakScratch = 0;
 
-    // Scratch of the near-optimal parser, kept between frames.
-    std::vector<int32_t> m_lastPair = std::vector<int32_t>(65536, -1);
-    const FrameMatches *m_found = nullptr;
-    // Scratch of the lazy parser.
+    // The lazy levels find their own matches as they parse.
+    MatchFinder m_chains;
+    uint32_t m_inserted = 0; // positions before this are in the chains
     std::vector<uint32_t> m_literalPrefix;
     uint32_t m_frameStart = 0;
+
+    // The near-optimal levels: their match finder, and the parser's scratch kept between frames.
+    std::optional<MatchPipeline> m_pipeline;
     std::vector<uint32_t> m_nodeCost;
     std::vector<uint32_t> m_nodeFrom;
     std::vector<Item> m_nodeItem;
