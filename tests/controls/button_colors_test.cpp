@@ -7,8 +7,20 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 namespace qb::controls {
 namespace {
+
+// Colours as 0xBBGGRR texts, for readable failures.
+std::vector<std::string> Hex(const std::vector<ButtonColor> &colors)
+{
+    std::vector<std::string> texts;
+    for (const ButtonColor c : colors)
+        texts.push_back(QString::number(c, 16).toStdString());
+    return texts;
+}
 
 TEST(ButtonColors, ShiftAddsAFixedAmountRoundsHalfToEvenAndClamps)
 {
@@ -56,43 +68,55 @@ TEST(ButtonColors, SystemColourReferencesComeFromThePalette)
     EXPECT_EQ(ShiftColor(0x80000005, -0.1), ShiftColor(TranslateColor(0x80000005), -0.1));
 }
 
-// The full derived set of a style, as written out by hand from its back colour.
-struct StyleCase
+// Back, hover, pressed, disable, light; the outline's four; the fade's four; progress, inner line.
+std::vector<std::string> DerivedSet(const ButtonProperties &p)
 {
-    int style;
-    bool showCorner;
-    int showBorder;
-    ButtonColor fore;
-    ButtonColor back;
-    ButtonColor hover, pressed, disable, light;
-    ButtonColor border, borderHover, borderPressed, borderDisable;
-    ButtonColor fade, fadeHover, fadePressed, fadeDisable;
-    ButtonColor progress, innerLine;
-};
+    return Hex({p.BackColor, p.BackColorHover, p.BackColorPressed, p.BackColorDisable, p.LightColor,
+        p.BorderColor, p.BorderColorHover, p.BorderColorPressed, p.BorderColorDisable, p.FadeColor,
+        p.FadeColorHover, p.FadeColorPressed, p.FadeColorDisable, p.ProgressColor, p.InnerLineColor});
+}
 
 TEST(ButtonColors, StyleTablesSetTheLookAndDeriveEveryColour)
 {
-    const StyleCase cases[] = {
-        // 15, the default: 0xD7C5C6 is red 198, green 197, blue 215.
-        {15, true, 1, kSystemButtonText, 0xD7C5C6, 0xE4D2D3, 0xA49293, 0xF0DEE0, 0xFFFFFF, 0xC4B2B3, 0xD1BFC0,
-            0x9E8C8D, 0xDECCCC, 0xF0DEE0, 0xFDEBED, 0xBDABAD, 0xFFF8FA, 0xA49293, 0xFFFFFF},
-        // 5: dark blue-grey with white text; disable 110.5 -> 110, 125.5 -> 126, 144.5 -> 144.
-        {5, true, 1, 0xFFFFFF, 0x776455, 0x847162, 0x443122, 0x907E6E, 0xF6E4D4, 0x645142, 0x715E4F, 0x3E2B1C,
-            0x7E6A5C, 0x907E6E, 0x9D8B7B, 0x5D4B3B, 0xAA9888, 0x443122, 0xF6E4D4},
-        // 27: a dark strip; everything but hover, pressed, progress and inner line is the back colour.
-        {27, false, 0, 0xFFFFFF, 0x202020, 0x2D2D2D, 0x060606, 0x202020, 0x202020, 0x202020, 0x202020,
-            0x202020, 0x202020, 0x202020, 0x202020, 0x202020, 0x202020, 0x060606, 0xA0A0A0},
-        // 0: flat grey without rounded corners.
-        {0, false, 1, kSystemButtonText, 0xE6E6E6, 0xF3F3F3, 0xB3B3B3, 0xFFFFFF, 0xFFFFFF, 0xD3D3D3, 0xE0E0E0,
-            0xADADAD, 0xECECEC, 0xFFFFFF, 0xFFFFFF, 0xCCCCCC, 0xFFFFFF, 0xB3B3B3, 0xFFFFFF},
-        // 12: silver; disable 217.5 -> 218.
-        {12, true, 1, kSystemButtonText, 0xC0C0C0, 0xCDCDCD, 0x8D8D8D, 0xDADADA, 0xFFFFFF, 0xADADAD, 0xBABABA,
-            0x878787, 0xC6C6C6, 0xDADADA, 0xE7E7E7, 0xA7A7A7, 0xF4F4F4, 0x8D8D8D, 0xFFFFFF},
-        // 99 is no style of the table: the default look.
-        {99, true, 1, kSystemButtonText, 0xD7C5C6, 0xE4D2D3, 0xA49293, 0xF0DEE0, 0xFFFFFF, 0xC4B2B3, 0xD1BFC0,
-            0x9E8C8D, 0xDECCCC, 0xF0DEE0, 0xFDEBED, 0xBDABAD, 0xFFF8FA, 0xA49293, 0xFFFFFF},
+    // The full derived set of a style, as written out by hand from its back colour.
+    struct Case
+    {
+        int style;
+        bool showCorner;
+        int showBorder;
+        ButtonColor fore;
+        std::vector<ButtonColor> colors; // in the order of DerivedSet
     };
-    for (const StyleCase &c : cases) {
+    const Case cases[] = {
+        // 15, the default: 0xD7C5C6 is red 198, green 197, blue 215.
+        {15, true, 1, kSystemButtonText,
+            {0xD7C5C6, 0xE4D2D3, 0xA49293, 0xF0DEE0, 0xFFFFFF, 0xC4B2B3, 0xD1BFC0, 0x9E8C8D, 0xDECCCC,
+                0xF0DEE0, 0xFDEBED, 0xBDABAD, 0xFFF8FA, 0xA49293, 0xFFFFFF}},
+        // 5: dark blue-grey with white text; disable 110.5 -> 110, 125.5 -> 126, 144.5 -> 144.
+        {5, true, 1, 0xFFFFFF,
+            {0x776455, 0x847162, 0x443122, 0x907E6E, 0xF6E4D4, 0x645142, 0x715E4F, 0x3E2B1C, 0x7E6A5C,
+                0x907E6E, 0x9D8B7B, 0x5D4B3B, 0xAA9888, 0x443122, 0xF6E4D4}},
+        // 27: a dark strip; everything but hover, pressed, progress and inner line is the back colour.
+        {27, false, 0, 0xFFFFFF,
+            {0x202020, 0x2D2D2D, 0x060606, 0x202020, 0x202020, 0x202020, 0x202020, 0x202020, 0x202020,
+                0x202020, 0x202020, 0x202020, 0x202020, 0x060606, 0xA0A0A0}},
+        // 0: flat grey without rounded corners.
+        {0, false, 1, kSystemButtonText,
+            {0xE6E6E6, 0xF3F3F3, 0xB3B3B3, 0xFFFFFF, 0xFFFFFF, 0xD3D3D3, 0xE0E0E0, 0xADADAD, 0xECECEC,
+                0xFFFFFF, 0xFFFFFF, 0xCCCCCC, 0xFFFFFF, 0xB3B3B3, 0xFFFFFF}},
+        // 12: silver; disable 217.5 -> 218.
+        {12, true, 1, kSystemButtonText,
+            {0xC0C0C0, 0xCDCDCD, 0x8D8D8D, 0xDADADA, 0xFFFFFF, 0xADADAD, 0xBABABA, 0x878787, 0xC6C6C6,
+                0xDADADA, 0xE7E7E7, 0xA7A7A7, 0xF4F4F4, 0x8D8D8D, 0xFFFFFF}},
+    };
+    // 24 and the styles outside the table take the colours of 15.
+    for (const int style : {24, 99}) {
+        ButtonProperties p;
+        ApplyStyle(p, style);
+        EXPECT_TRUE(p.ShowCorner);
+        EXPECT_EQ(DerivedSet(p), Hex(cases[0].colors)) << style;
+    }
+    for (const Case &c : cases) {
         ButtonProperties p;
         // Earlier writes are overwritten by the style.
         p.ForeColor = 0x111111;
@@ -104,45 +128,9 @@ TEST(ButtonColors, StyleTablesSetTheLookAndDeriveEveryColour)
         EXPECT_EQ(p.Style, c.style);
         EXPECT_EQ(p.ShowCorner, c.showCorner);
         EXPECT_EQ(p.ShowBorder, c.showBorder);
-        EXPECT_EQ(p.ForeColor, c.fore);
-        EXPECT_EQ(p.ForeColorHover, c.fore);
-        EXPECT_EQ(p.ForeColorPressed, c.fore);
-        EXPECT_EQ(p.BackColor, c.back);
-        EXPECT_EQ(p.BackColorHover, c.hover);
-        EXPECT_EQ(p.BackColorPressed, c.pressed);
-        EXPECT_EQ(p.BackColorDisable, c.disable);
-        EXPECT_EQ(p.LightColor, c.light);
-        EXPECT_EQ(p.BorderColor, c.border);
-        EXPECT_EQ(p.BorderColorHover, c.borderHover);
-        EXPECT_EQ(p.BorderColorPressed, c.borderPressed);
-        EXPECT_EQ(p.BorderColorDisable, c.borderDisable);
-        EXPECT_EQ(p.FadeColor, c.fade);
-        EXPECT_EQ(p.FadeColorHover, c.fadeHover);
-        EXPECT_EQ(p.FadeColorPressed, c.fadePressed);
-        EXPECT_EQ(p.FadeColorDisable, c.fadeDisable);
-        EXPECT_EQ(p.ProgressColor, c.progress);
-        EXPECT_EQ(p.InnerLineColor, c.innerLine);
+        EXPECT_EQ(Hex({p.ForeColor, p.ForeColorHover, p.ForeColorPressed}), Hex({c.fore, c.fore, c.fore}));
+        EXPECT_EQ(DerivedSet(p), Hex(c.colors));
     }
-}
-
-TEST(ButtonColors, TheDefaultsAreTheDerivationOfTheDefaultBackColour)
-{
-    ButtonProperties derived;
-    derived.BorderColor = 0;
-    derived.FadeColorPressed = 0;
-    DeriveColors(derived);
-    const ButtonProperties defaults;
-    EXPECT_EQ(derived.BorderColor, defaults.BorderColor);
-    EXPECT_EQ(derived.FadeColorPressed, defaults.FadeColorPressed);
-    ButtonProperties styled;
-    ApplyStyle(styled, 15);
-    for (auto field : {&ButtonProperties::BackColorHover, &ButtonProperties::BackColorPressed,
-             &ButtonProperties::BackColorDisable, &ButtonProperties::LightColor,
-             &ButtonProperties::BorderColorHover, &ButtonProperties::BorderColorPressed,
-             &ButtonProperties::BorderColorDisable, &ButtonProperties::FadeColor,
-             &ButtonProperties::FadeColorHover, &ButtonProperties::FadeColorDisable,
-             &ButtonProperties::ProgressColor, &ButtonProperties::InnerLineColor})
-        EXPECT_EQ(styled.*field, defaults.*field);
 }
 
 TEST(ButtonColors, WritingBackColourDerivesByTheStyleFamily)

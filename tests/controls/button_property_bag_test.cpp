@@ -1,5 +1,6 @@
-// Persistence of the multi-mode control: every key in its order with its default, round trips
-// through a map and a settings file, and what the control does when it reads a bag.
+// Persistence of the multi-mode control: every key in its order with its default (the table in
+// button_test_support.h), round trips through a map and a settings file, and what the control does
+// when it reads a bag.
 #include "button_test_support.h"
 #include "controls/button_property_bag.h"
 
@@ -36,111 +37,42 @@ public:
     QVariantMap values;
 };
 
-const QStringList kColourKeys {u"ForeColor"_s, u"ForeColorHover"_s, u"ForeColorPressed"_s,
-    u"ForeColorDisable"_s, u"BackColor"_s, u"BackColorHover"_s, u"BackColorPressed"_s, u"BackColorDisable"_s,
-    u"LightColor"_s, u"BorderColor"_s, u"BorderColorHover"_s, u"BorderColorPressed"_s,
-    u"BorderColorDisable"_s, u"FadeColor"_s, u"FadeColorHover"_s, u"FadeColorPressed"_s,
-    u"FadeColorDisable"_s, u"ProgressColor"_s, u"InnerLineColor"_s};
-
-QStringList expectedKeys()
+QStringList storedKeys()
 {
-    QStringList keys {u"SubclassEnabled"_s, u"Enabled"_s, u"Alignment"_s, u"Caption"_s, u"CaptionComment"_s,
-        u"CaptionNullText"_s, u"CaptionAddText"_s, u"CaptionEffects"_s, u"Title"_s, u"TitleWidth"_s,
-        u"TextFormat"_s, u"FileFilter"_s, u"CancelClear"_s, u"ComboBoxItems"_s, u"Checked"_s,
-        u"TransparentBack"_s, u"Transparent"_s, u"TransparentHover"_s, u"TransparentPressed"_s,
-        u"TransparentDisable"_s, u"Style"_s, u"StatusBarResize"_s, u"WindowSizeLimit"_s,
-        u"WindowSizeMaxWidth"_s, u"WindowSizeMaxHeight"_s, u"WindowSizeMinWidth"_s, u"WindowSizeMinHeight"_s,
-        u"ShowBorder"_s, u"ShowCorner"_s, u"ShowLight"_s, u"ShowFocus"_s, u"ShowEffect"_s, u"EffectSpeed"_s,
-        u"ShowDropDownSymbol"_s, u"ShowSeparator"_s, u"ShowInnerLine"_s, u"InnerLineWidth"_s,
-        u"InnerLinePadding"_s, u"SmoothingCorner"_s, u"Mode"_s};
-    keys += kColourKeys;
-    keys += QStringList {u"IconSize"_s, u"IconText"_s, u"IconFontName"_s, u"Font"_s, u"Icon"_s, u"Status"_s,
-        u"ID"_s, u"TimerEnabled"_s, u"TimerDuration"_s, u"TimerInterval"_s, u"ThreadPriority"_s,
-        u"TimerType"_s, u"TooltipType"_s, u"ToolTipIcon"_s, u"TooltipTitle"_s, u"ToolTipString"_s,
-        u"TooltipCentered"_s, u"TooltipRightToLeft"_s, u"Max"_s, u"Min"_s, u"Value"_s, u"Refresh"_s,
-        u"UseGDIPlus"_s};
+    QStringList keys;
+    for (const auto &entry : testing::kStoredDefaults)
+        keys << entry.first;
     return keys;
 }
 
-TEST(ButtonPropertyBag, EveryKeyIsWrittenAndReadInOrder)
+TEST(ButtonPropertyBag, AnEmptyBagIsAskedForEveryKeyInOrderWithItsDefault)
+{
+    ButtonProperties p;
+    RecordingBag bag;
+    ReadProperties(p, bag);
+    EXPECT_EQ(bag.reads, storedKeys());
+    for (const auto &[key, value] : testing::kStoredDefaults) {
+        const QVariant got = bag.defaults.value(key);
+        if (value.isValid()) {
+            EXPECT_TRUE(got == value) << key.toStdString() << " " << got.toString().toStdString();
+        }
+    }
+}
+
+TEST(ButtonPropertyBag, EveryKeyIsWrittenInTheReadOrderButTwo)
 {
     ButtonProperties p;
     RecordingBag bag;
     WriteProperties(p, bag);
-    // Written as read, except that Refresh follows Enabled and UseGDIPlus follows CancelClear.
-    QStringList writeOrder = expectedKeys();
+    // Refresh follows Enabled and UseGDIPlus follows CancelClear.
+    QStringList writeOrder = storedKeys();
     writeOrder.removeOne(u"Refresh"_s);
     writeOrder.insert(writeOrder.indexOf(u"Enabled"_s) + 1, u"Refresh"_s);
     writeOrder.removeOne(u"UseGDIPlus"_s);
     writeOrder.insert(writeOrder.indexOf(u"CancelClear"_s) + 1, u"UseGDIPlus"_s);
     EXPECT_EQ(bag.writes, writeOrder);
-    ReadProperties(p, bag);
-    EXPECT_EQ(bag.reads, expectedKeys());
-    // The names that differ from their property's, and the narrow bag type of TitleWidth.
-    EXPECT_FALSE(bag.values.contains(u"Tooltip"_s));
-    EXPECT_FALSE(bag.values.contains(u"value"_s));
+    // TitleWidth goes in as 16 bits.
     EXPECT_EQ(bag.values.value(u"TitleWidth"_s).metaType(), QMetaType::fromType<qint16>());
-}
-
-TEST(ButtonPropertyBag, MissingKeysGiveTheDefaults)
-{
-    const QVariantMap expected {
-        {u"SubclassEnabled"_s, false},
-        {u"Enabled"_s, true},
-        {u"Refresh"_s, true},
-        {u"Status"_s, 0},
-        {u"Alignment"_s, 2},
-        {u"Caption"_s, QString()},
-        {u"TitleWidth"_s, 64},
-        {u"ShowCorner"_s, true},
-        {u"ShowLight"_s, false},
-        {u"ShowInnerLine"_s, 0},
-        {u"InnerLineWidth"_s, 1},
-        {u"InnerLinePadding"_s, 1},
-        {u"SmoothingCorner"_s, true},
-        {u"EffectSpeed"_s, 10},
-        {u"Transparent"_s, 0},
-        {u"Style"_s, 15},
-        {u"StatusBarResize"_s, false},
-        {u"WindowSizeLimit"_s, false},
-        {u"WindowSizeMaxWidth"_s, 800},
-        {u"WindowSizeMaxHeight"_s, 600},
-        {u"WindowSizeMinWidth"_s, 640},
-        {u"WindowSizeMinHeight"_s, 480},
-        {u"Mode"_s, 0},
-        {u"TextFormat"_s, 0},
-        {u"FileFilter"_s, u"*.*|*.*"_s},
-        {u"CancelClear"_s, false},
-        {u"UseGDIPlus"_s, false},
-        {u"Checked"_s, false},
-        {u"ForeColor"_s, 0u},
-        {u"ForeColorDisable"_s, 0x808080u},
-        {u"BackColor"_s, 0xD7C5C6u},
-        {u"ProgressColor"_s, 0xA49293u},
-        {u"InnerLineColor"_s, 0xFFFFFFu},
-        {u"IconSize"_s, 32},
-        {u"IconFontName"_s, u"Webdings"_s},
-        {u"ID"_s, 0},
-        {u"TimerEnabled"_s, false},
-        {u"TimerDuration"_s, 1000},
-        {u"TimerInterval"_s, 10},
-        {u"ThreadPriority"_s, 32},
-        {u"TimerType"_s, 0},
-        {u"TooltipType"_s, 1},
-        {u"ToolTipIcon"_s, 0},
-        {u"ToolTipString"_s, QString()},
-        {u"TooltipCentered"_s, false},
-        {u"Max"_s, 100.0},
-        {u"Min"_s, 0.0},
-        {u"Value"_s, 0.0},
-    };
-    ButtonProperties p;
-    RecordingBag bag;
-    ReadProperties(p, bag);
-    for (auto it = expected.begin(); it != expected.end(); ++it) {
-        const QVariant got = bag.defaults.value(it.key());
-        EXPECT_TRUE(got == *it) << it.key().toStdString() << " " << got.toString().toStdString();
-    }
 }
 
 // A value of each property's type that differs from its default.
@@ -201,26 +133,23 @@ void expectSame(const ButtonProperties &a, const ButtonProperties &b)
     }
 }
 
-TEST(ButtonPropertyBag, EveryKeyReadsBackFromAMap)
+TEST(ButtonPropertyBag, EveryKeyReadsBackFromAMapAndASettingsFile)
 {
     const ButtonProperties written = changedProperties();
     QVariantMap map;
-    VariantMapBag bag(map);
-    WriteProperties(written, bag);
-    EXPECT_EQ(map.size(), expectedKeys().size());
+    VariantMapBag mapBag(map);
+    WriteProperties(written, mapBag);
+    EXPECT_EQ(size_t(map.size()), testing::kStoredDefaults.size());
     EXPECT_EQ(map.value(u"ToolTipString"_s).toString(), u"字 Tooltip"_s);
     EXPECT_EQ(map.value(u"Value"_s).toDouble(), 1.5);
-    ButtonProperties read;
-    ReadProperties(read, bag);
-    expectSame(written, read);
-}
+    ButtonProperties fromMap;
+    ReadProperties(fromMap, mapBag);
+    expectSame(written, fromMap);
 
-TEST(ButtonPropertyBag, EveryKeyReadsBackFromASettingsFile)
-{
+    // A settings file gives text back, which must convert to every type.
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     const QString path = dir.filePath(u"button.ini"_s);
-    const ButtonProperties written = changedProperties();
     {
         QSettings settings(path, QSettings::IniFormat);
         settings.beginGroup(u"ctlButton1"_s);
@@ -229,11 +158,11 @@ TEST(ButtonPropertyBag, EveryKeyReadsBackFromASettingsFile)
     }
     QSettings settings(path, QSettings::IniFormat);
     settings.beginGroup(u"ctlButton1"_s);
-    EXPECT_EQ(settings.childKeys().size(), expectedKeys().size());
+    EXPECT_EQ(size_t(settings.childKeys().size()), testing::kStoredDefaults.size());
     SettingsBag bag(settings);
-    ButtonProperties read;
-    ReadProperties(read, bag);
-    expectSame(written, read);
+    ButtonProperties fromFile;
+    ReadProperties(fromFile, bag);
+    expectSame(written, fromFile);
 }
 
 TEST(ButtonPropertyBag, ValuesThatDoNotConvertGiveTheDefault)

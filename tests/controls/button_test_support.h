@@ -1,5 +1,6 @@
 // Test doubles for the multi-mode control: a control whose dialogs and window-system requests are
-// answered by the test and whose ReDraw calls are logged, and a recorder of all its events in order.
+// answered by the test and whose ReDraw calls are logged, a recorder of all its events in order, and
+// the one table of its stored defaults.
 #pragma once
 
 #include "controls/ctl_button.h"
@@ -11,6 +12,8 @@
 #include <QStringList>
 
 #include <ostream>
+#include <utility>
+#include <vector>
 
 // Readable texts in the failure messages.
 inline void PrintTo(const QString &text, std::ostream *out)
@@ -19,6 +22,8 @@ inline void PrintTo(const QString &text, std::ostream *out)
 }
 
 namespace qb::controls::testing {
+
+using namespace Qt::StringLiterals;
 
 class TestButton : public ctlButton
 {
@@ -94,53 +99,84 @@ protected:
     }
 };
 
+// An event's arguments as the log writes them.
+inline QString EventArgument(int v)
+{
+    return QString::number(v);
+}
+inline QString EventArgument(double v)
+{
+    return QString::number(v);
+}
+inline QString EventArgument(const QString &v)
+{
+    return v;
+}
+
+template<typename... Args>
+void RecordEvent(ctlButton &b, QStringList &log, const char *name, void (ctlButton::*signal)(Args...))
+{
+    QObject::connect(&b, signal, [&log, name](Args... args) {
+        const QStringList parts {EventArgument(args)...};
+        const QString text = QString::fromLatin1(name);
+        log << (parts.isEmpty() ? text : text + u'(' + parts.join(u',') + u')');
+    });
+}
+
+inline void RecordEventList(ctlButton &, QStringList &) { }
+
+template<typename Signal, typename... Rest>
+void RecordEventList(ctlButton &b, QStringList &log, const char *name, Signal signal, Rest... rest)
+{
+    RecordEvent(b, log, name, signal);
+    RecordEventList(b, log, rest...);
+}
+
 // Every event of the control as "Name" or "Name(args)", in the order raised.
 inline void RecordEvents(ctlButton &b, QStringList &log)
 {
-    auto num = [](auto v) { return QString::number(v); };
-    QObject::connect(&b, &ctlButton::Click, [&log] { log << QStringLiteral("Click"); });
-    QObject::connect(&b, &ctlButton::DblClick, [&log] { log << QStringLiteral("DblClick"); });
-    QObject::connect(&b, &ctlButton::MouseEnter, [&log] { log << QStringLiteral("MouseEnter"); });
-    QObject::connect(&b, &ctlButton::MouseLeave, [&log] { log << QStringLiteral("MouseLeave"); });
-    QObject::connect(&b, &ctlButton::MouseDown, [&log, num](int button, int shift, float x, float y) {
-        log << QStringLiteral("MouseDown(%1,%2,%3,%4)").arg(num(button), num(shift), num(x), num(y));
-    });
-    QObject::connect(&b, &ctlButton::MouseUp, [&log, num](int button, int shift, float x, float y) {
-        log << QStringLiteral("MouseUp(%1,%2,%3,%4)").arg(num(button), num(shift), num(x), num(y));
-    });
-    QObject::connect(&b, &ctlButton::MouseWheel,
-        [&log, num](int d) { log << QStringLiteral("MouseWheel(") + num(d) + u')'; });
-    QObject::connect(&b, &ctlButton::MouseActivate, [&log] { log << QStringLiteral("MouseActivate"); });
-    QObject::connect(&b, &ctlButton::KeyDown, [&log, num](int key, int shift) {
-        log << QStringLiteral("KeyDown(%1,%2)").arg(num(key), num(shift));
-    });
-    QObject::connect(&b, &ctlButton::KeyPress,
-        [&log, num](int key) { log << QStringLiteral("KeyPress(") + num(key) + u')'; });
-    QObject::connect(&b, &ctlButton::KeyUp,
-        [&log, num](int key, int shift) { log << QStringLiteral("KeyUp(%1,%2)").arg(num(key), num(shift)); });
-    QObject::connect(&b, &ctlButton::ValueChange, [&log] { log << QStringLiteral("ValueChange"); });
-    QObject::connect(&b, &ctlButton::CaptionChange, [&log] { log << QStringLiteral("CaptionChange"); });
-    QObject::connect(&b, &ctlButton::SelectedChange, [&log] { log << QStringLiteral("SelectedChange"); });
-    QObject::connect(&b, &ctlButton::InputError,
-        [&log, num](int key) { log << QStringLiteral("InputError(") + num(key) + u')'; });
-    QObject::connect(&b, qOverload<const QString &>(&ctlButton::Status),
-        [&log](const QString &s) { log << QStringLiteral("Status(") + s + u')'; });
-    QObject::connect(&b, &ctlButton::WindowPosChanged, [&log] { log << QStringLiteral("WindowPosChanged"); });
-    QObject::connect(&b, &ctlButton::Resize, [&log] { log << QStringLiteral("Resize"); });
-    QObject::connect(&b, &ctlButton::ExitSized, [&log] { log << QStringLiteral("ExitSized"); });
-    QObject::connect(&b, &ctlButton::ExitSizeMove, [&log] { log << QStringLiteral("ExitSizeMove"); });
-    QObject::connect(&b, &ctlButton::WindowActivated, [&log](bool on) {
-        log << (on ? QStringLiteral("WindowActivated(1)") : QStringLiteral("WindowActivated(0)"));
-    });
-    QObject::connect(&b, &ctlButton::WindowMINIMIZE, [&log] { log << QStringLiteral("WindowMINIMIZE"); });
-    QObject::connect(&b, &ctlButton::WindowMAXIMIZE, [&log] { log << QStringLiteral("WindowMAXIMIZE"); });
-    QObject::connect(&b, &ctlButton::TimerInitailized, [&log] { log << QStringLiteral("TimerInitailized"); });
-    QObject::connect(&b, &ctlButton::TimerElapsed,
-        [&log, num](double t) { log << QStringLiteral("TimerElapsed(") + num(t) + u')'; });
-    QObject::connect(&b, &ctlButton::TimerRemaining,
-        [&log, num](double t) { log << QStringLiteral("TimerRemaining(") + num(t) + u')'; });
-    QObject::connect(&b, &ctlButton::TimerTerminated, [&log] { log << QStringLiteral("TimerTerminated"); });
+    using B = ctlButton;
+    RecordEventList(b, log, "Click", &B::Click, "DblClick", &B::DblClick, "MouseEnter", &B::MouseEnter,
+        "MouseMove", &B::MouseMove, "MouseLeave", &B::MouseLeave, "MouseDown", &B::MouseDown, "MouseUp",
+        &B::MouseUp, "MouseWheel", &B::MouseWheel, "MouseActivate", &B::MouseActivate, "KeyDown", &B::KeyDown,
+        "KeyPress", &B::KeyPress, "KeyUp", &B::KeyUp, "ValueChange", &B::ValueChange, "CaptionChange",
+        &B::CaptionChange, "SelectedChange", &B::SelectedChange, "InputError", &B::InputError, "Status",
+        qOverload<const QString &>(&B::Status), "WindowPosChanged", &B::WindowPosChanged, "Resize",
+        &B::Resize, "ExitSized", &B::ExitSized, "ExitSizeMove", &B::ExitSizeMove, "WindowActivated",
+        &B::WindowActivated, "WindowMINIMIZE", &B::WindowMINIMIZE, "WindowMAXIMIZE", &B::WindowMAXIMIZE,
+        "TimerInitailized", &B::TimerInitailized, "TimerElapsed", &B::TimerElapsed, "TimerRemaining",
+        &B::TimerRemaining, "TimerTerminated", &B::TimerTerminated);
 }
+
+// Every stored property under its bag key, in the order a bag is read, with the value a new control
+// starts with. Font and Icon have no fixed value: the font is the container's.
+inline const std::vector<std::pair<QString, QVariant>> kStoredDefaults {{u"SubclassEnabled"_s, false},
+    {u"Enabled"_s, true}, {u"Alignment"_s, 2}, {u"Caption"_s, QString()}, {u"CaptionComment"_s, QString()},
+    {u"CaptionNullText"_s, QString()}, {u"CaptionAddText"_s, QString()}, {u"CaptionEffects"_s, 0},
+    {u"Title"_s, QString()}, {u"TitleWidth"_s, 64}, {u"TextFormat"_s, 0}, {u"FileFilter"_s, u"*.*|*.*"_s},
+    {u"CancelClear"_s, false}, {u"ComboBoxItems"_s, QString()}, {u"Checked"_s, false},
+    {u"TransparentBack"_s, false}, {u"Transparent"_s, 0}, {u"TransparentHover"_s, 0},
+    {u"TransparentPressed"_s, 0}, {u"TransparentDisable"_s, 0}, {u"Style"_s, 15},
+    {u"StatusBarResize"_s, false}, {u"WindowSizeLimit"_s, false}, {u"WindowSizeMaxWidth"_s, 800},
+    {u"WindowSizeMaxHeight"_s, 600}, {u"WindowSizeMinWidth"_s, 640}, {u"WindowSizeMinHeight"_s, 480},
+    {u"ShowBorder"_s, 1}, {u"ShowCorner"_s, true}, {u"ShowLight"_s, false}, {u"ShowFocus"_s, false},
+    {u"ShowEffect"_s, false}, {u"EffectSpeed"_s, 10}, {u"ShowDropDownSymbol"_s, 0},
+    {u"ShowSeparator"_s, false}, {u"ShowInnerLine"_s, 0}, {u"InnerLineWidth"_s, 1},
+    {u"InnerLinePadding"_s, 1}, {u"SmoothingCorner"_s, true}, {u"Mode"_s, 0},
+    // The colours of back colour 0xD7C5C6 by the general table, as style 15 derives them.
+    {u"ForeColor"_s, 0u}, {u"ForeColorHover"_s, 0u}, {u"ForeColorPressed"_s, 0u},
+    {u"ForeColorDisable"_s, 0x808080u}, {u"BackColor"_s, 0xD7C5C6u}, {u"BackColorHover"_s, 0xE4D2D3u},
+    {u"BackColorPressed"_s, 0xA49293u}, {u"BackColorDisable"_s, 0xF0DEE0u}, {u"LightColor"_s, 0xFFFFFFu},
+    {u"BorderColor"_s, 0xC4B2B3u}, {u"BorderColorHover"_s, 0xD1BFC0u}, {u"BorderColorPressed"_s, 0x9E8C8Du},
+    {u"BorderColorDisable"_s, 0xDECCCCu}, {u"FadeColor"_s, 0xF0DEE0u}, {u"FadeColorHover"_s, 0xFDEBEDu},
+    {u"FadeColorPressed"_s, 0xBDABADu}, {u"FadeColorDisable"_s, 0xFFF8FAu}, {u"ProgressColor"_s, 0xA49293u},
+    {u"InnerLineColor"_s, 0xFFFFFFu}, {u"IconSize"_s, 32}, {u"IconText"_s, QString()},
+    {u"IconFontName"_s, u"Webdings"_s}, {u"Font"_s, QVariant()}, {u"Icon"_s, QVariant()}, {u"Status"_s, 0},
+    {u"ID"_s, 0}, {u"TimerEnabled"_s, false}, {u"TimerDuration"_s, 1000}, {u"TimerInterval"_s, 10},
+    {u"ThreadPriority"_s, 32}, {u"TimerType"_s, 0}, {u"TooltipType"_s, 1}, {u"ToolTipIcon"_s, 0},
+    {u"TooltipTitle"_s, QString()}, {u"ToolTipString"_s, QString()}, {u"TooltipCentered"_s, false},
+    {u"TooltipRightToLeft"_s, false}, {u"Max"_s, 100.0}, {u"Min"_s, 0.0}, {u"Value"_s, 0.0},
+    {u"Refresh"_s, true}, {u"UseGDIPlus"_s, false}};
 
 // Mouse events sent straight to a widget, through its event filters.
 inline void SendMouse(QWidget *w, QEvent::Type type, Qt::MouseButton button, QPoint at,

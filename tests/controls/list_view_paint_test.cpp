@@ -14,6 +14,8 @@
 
 #include <optional>
 
+using namespace Qt::StringLiterals;
+
 namespace qb::controls {
 namespace {
 
@@ -42,30 +44,6 @@ TEST(ListViewPaint, CellGeometryFromTheIconRectangle)
     }
 }
 
-TEST(ListViewPaint, CellColoursBySelectionAndFocus)
-{
-    struct Case
-    {
-        bool selected, focused;
-        QPalette::ColorRole frame, empty, labelFill, labelText;
-    };
-    const std::vector<Case> cases = {
-        {false, false, QPalette::Button, QPalette::ButtonText, QPalette::Base, QPalette::Text},
-        {false, true, QPalette::Button, QPalette::ButtonText, QPalette::Base, QPalette::Text},
-        {true, false, QPalette::Button, QPalette::ButtonText, QPalette::Button, QPalette::ButtonText},
-        {true, true, QPalette::Highlight, QPalette::HighlightedText, QPalette::Highlight,
-            QPalette::HighlightedText},
-    };
-    for (const Case &c : cases) {
-        const ThumbnailLook look = ThumbnailLookFor(c.selected, c.focused);
-        EXPECT_EQ(look.frameFill, c.frame) << c.selected << c.focused;
-        EXPECT_EQ(look.emptyText, c.empty) << c.selected << c.focused;
-        EXPECT_EQ(look.labelFill, c.labelFill) << c.selected << c.focused;
-        EXPECT_EQ(look.labelText, c.labelText) << c.selected << c.focused;
-        EXPECT_EQ(look.focusRect, c.focused);
-    }
-}
-
 class FakeSource : public ThumbnailSource
 {
 public:
@@ -83,7 +61,7 @@ public:
 
     int labelHeightSet = 0;
     std::optional<QPixmap> slot = QPixmap();
-    QString label = QStringLiteral("ab");
+    QString label = u"ab"_s;
     bool selected = false;
 };
 
@@ -91,7 +69,7 @@ class ListViewThumbnailPaint : public ::testing::Test
 {
 protected:
     ListViewThumbnailPaint()
-        : model(QStringList {QStringLiteral("row")})
+        : model(QStringList {u"row"_s})
         , delegate(source)
     {
         palette.setColor(QPalette::Base, Qt::white);
@@ -117,15 +95,14 @@ protected:
         return image;
     }
 
-    ThumbnailGeometry geometry() const { return ThumbnailLayout(QRect(QPoint(0, 0), cell), 40, 40, 13); }
+    static int distance(QRgb a, const QColor &b)
+    {
+        return std::abs(qRed(a) - b.red()) + std::abs(qGreen(a) - b.green()) + std::abs(qBlue(a) - b.blue());
+    }
 
     // Pixels of a rectangle nearer to one colour than to another.
     static int nearer(const QImage &image, const QRect &rect, const QColor &to, const QColor &than)
     {
-        const auto distance = [](QRgb a, const QColor &b) {
-            return std::abs(qRed(a) - b.red()) + std::abs(qGreen(a) - b.green())
-                + std::abs(qBlue(a) - b.blue());
-        };
         int count = 0;
         for (int y = rect.top(); y <= rect.bottom(); ++y) {
             for (int x = rect.left(); x <= rect.right(); ++x) {
@@ -137,6 +114,12 @@ protected:
         return count;
     }
 
+    // The cell's parts for 40 by 40 thumbnails and a label 13 high.
+    const QRect frame {8, 4, 48, 48};
+    const QRect box {12, 8, 40, 40};
+    const QRect label {8, 54, 48, 17};
+    const QRect text {10, 54, 44, 17};
+    const QColor grey {200, 200, 200};
     QSize cell {58, 120};
     QStringListModel model;
     FakeSource source;
@@ -159,68 +142,53 @@ TEST_F(ListViewThumbnailPaint, APictureIsDrawnAtItsOwnSizeFromItsCorner)
     corner.end();
     source.slot = picture;
     const QImage image = paint(false);
-    const QRect box = geometry().box;
     EXPECT_EQ(nearer(image, box, Qt::cyan, Qt::darkGreen), box.width() * box.height());
-    EXPECT_EQ(QColor(image.pixel(geometry().frame.left() + 2, geometry().frame.top() + 2)),
-        palette.color(QPalette::Button));
+    EXPECT_EQ(QColor(image.pixel(frame.left() + 2, frame.top() + 2)), grey);
 }
 
-TEST_F(ListViewThumbnailPaint, AnEmptyPictureShowsNothingInButtonText)
+TEST_F(ListViewThumbnailPaint, SelectionAndFocusChooseTheColours)
 {
-    source.slot = QPixmap();
-    const QImage image = paint(false);
-    const QRect box = geometry().box;
-    EXPECT_GT(nearer(image, box, Qt::red, QColor(200, 200, 200)), 5); // the word
-    EXPECT_GT(nearer(image, box, QColor(200, 200, 200), Qt::red), box.width() * box.height() / 2);
+    struct Case
+    {
+        bool selected, focused;
+        QColor frame, nothing, label, labelText;
+    };
+    const Case cases[] = {
+        {false, false, grey, Qt::red, Qt::white, Qt::black},
+        {false, true, grey, Qt::red, Qt::white, Qt::black},
+        {true, false, grey, Qt::red, grey, Qt::red},
+        {true, true, Qt::blue, Qt::yellow, Qt::blue, Qt::yellow},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(::testing::Message() << "selected " << c.selected << " focused " << c.focused);
+        source.selected = c.selected;
+        source.slot = QPixmap();
+        const QImage image = paint(c.focused);
+        EXPECT_EQ(QColor(image.pixel(frame.left() + 2, frame.top() + 2)), c.frame);
+        // An empty picture shows "Nothing" over the frame's colour.
+        EXPECT_GT(nearer(image, box, c.nothing, c.frame), 5);
+        EXPECT_GT(nearer(image, box, c.frame, c.nothing), box.width() * box.height() / 2);
+        // Inside the label, clear of the centred text; the style's focus frame may tint it a little.
+        EXPECT_LT(distance(image.pixel(label.left() + 6, label.center().y()), c.label), 48);
+        EXPECT_GT(nearer(image, text, c.labelText, c.label), 3);
+    }
 }
 
 TEST_F(ListViewThumbnailPaint, ARowWithoutAPictureSlotDrawsNoWord)
 {
     source.slot.reset();
     const QImage image = paint(false);
-    const QRect box = geometry().box;
-    EXPECT_EQ(nearer(image, box, QColor(200, 200, 200), Qt::red), box.width() * box.height());
-}
-
-TEST_F(ListViewThumbnailPaint, SelectedAndFocusedUsesTheHighlight)
-{
-    source.selected = true;
-    source.slot = QPixmap();
-    const QImage image = paint(true);
-    const ThumbnailGeometry g = geometry();
-    EXPECT_EQ(QColor(image.pixel(g.frame.left() + 2, g.frame.top() + 2)), QColor(Qt::blue));
-    // Inside the label, clear of the centred text; the style's focus frame may tint it a little.
-    const QColor label = image.pixel(g.label.left() + 6, g.label.center().y());
-    EXPECT_LT(std::abs(label.red()) + std::abs(label.green()) + std::abs(label.blue() - 255), 48);
-    EXPECT_GT(nearer(image, g.box, Qt::yellow, Qt::blue), 5); // "Nothing" in highlighted text
-}
-
-TEST_F(ListViewThumbnailPaint, SelectedWithoutFocusUsesTheButtonFace)
-{
-    source.selected = true;
-    const QImage image = paint(false);
-    const ThumbnailGeometry g = geometry();
-    EXPECT_EQ(QColor(image.pixel(g.label.left() + 3, g.label.center().y())), QColor(200, 200, 200));
-    EXPECT_EQ(QColor(image.pixel(g.frame.left() + 2, g.frame.top() + 2)), QColor(200, 200, 200));
-}
-
-TEST_F(ListViewThumbnailPaint, AnUnselectedLabelHasTheWindowBackground)
-{
-    const QImage image = paint(false);
-    const ThumbnailGeometry g = geometry();
-    EXPECT_EQ(QColor(image.pixel(g.label.left() + 3, g.label.center().y())), QColor(Qt::white));
-    EXPECT_GT(nearer(image, g.label, Qt::black, Qt::white), 3); // the label text
+    EXPECT_EQ(nearer(image, box, grey, Qt::red), box.width() * box.height());
 }
 
 TEST_F(ListViewThumbnailPaint, TheLabelShowsTheNameAfterTheLastBackslash)
 {
-    source.label = QStringLiteral("ab");
+    source.label = u"ab"_s;
     const QImage plain = paint(false);
-    source.label = QStringLiteral("some\\folder\\ab");
+    source.label = u"some\\folder\\ab"_s;
     const QImage withFolder = paint(false);
-    const QRect label = geometry().label;
     EXPECT_EQ(plain.copy(label), withFolder.copy(label));
-    source.label = QStringLiteral("zz");
+    source.label = u"zz"_s;
     EXPECT_NE(paint(false).copy(label), plain.copy(label));
 }
 
@@ -228,14 +196,12 @@ TEST_F(ListViewThumbnailPaint, ALongLabelIsElidedWithinTheCell)
 {
     source.label = QString(200, u'W');
     const QImage image = paint(false);
-    const ThumbnailGeometry g = geometry();
     // Nothing of the text left or right of the label, though the painter doesn't clip.
-    const QRect left(0, g.label.top(), g.label.left(), g.label.height());
-    const QRect right(
-        g.label.right() + 1, g.label.top(), cell.width() - g.label.right() - 1, g.label.height());
+    const QRect left(0, label.top(), label.left(), label.height());
+    const QRect right(label.right() + 1, label.top(), cell.width() - label.right() - 1, label.height());
     EXPECT_EQ(nearer(image, left, Qt::magenta, Qt::black), left.width() * left.height());
     EXPECT_EQ(nearer(image, right, Qt::magenta, Qt::black), right.width() * right.height());
-    EXPECT_GT(nearer(image, g.text, Qt::black, Qt::white), 10);
+    EXPECT_GT(nearer(image, text, Qt::black, Qt::white), 10);
 }
 
 class OpenReportDelegate : public ReportDelegate
@@ -247,7 +213,7 @@ public:
 
 TEST(ListViewPaint, AHiddenSelectionShowsOnlyWhileTheListHasTheFocus)
 {
-    QStringListModel model(QStringList {QStringLiteral("row")});
+    QStringListModel model(QStringList {u"row"_s});
     QWidget unfocused;
     bool hide = true;
     OpenReportDelegate delegate([&] { return hide; });
@@ -270,7 +236,7 @@ protected:
     void SetUp() override
     {
         list.resize(500, 300);
-        ASSERT_TRUE(list.Initialize(QString(), QStringLiteral("|"), 0));
+        ASSERT_TRUE(list.Initialize(QString(), u"|"_s, 0));
         list.SetThumbnailSize(40, 40);
         list.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&list));
@@ -290,7 +256,7 @@ protected:
         auto *view = list.hwnd()->findChild<QListView *>();
         const QRect cell = view->visualRect(view->model()->index(row, 0));
         const QImage image = view->viewport()->grab().toImage();
-        return QColor(image.pixel(ThumbnailLayout(cell, 40, 40, 13).box.center()));
+        return QColor(image.pixel(cell.topLeft() + QPoint(32, 28))); // inside the box at 12, 8
     }
 
     ctlListView list;
@@ -298,10 +264,10 @@ protected:
 
 TEST_F(ListViewPictures, ARowInsertedFirstShowsThePictureOfTheLastPlace)
 {
-    ASSERT_TRUE(list.AddItem(QStringLiteral("a"), {}, solid(Qt::red)));
-    ASSERT_TRUE(list.AddItem(QStringLiteral("b"), {}, solid(Qt::blue)));
-    ASSERT_TRUE(list.AddItem(QStringLiteral("c"), {}, solid(Qt::green), 0));
-    EXPECT_EQ(list.ItemText(0, 0), QStringLiteral("c"));
+    ASSERT_TRUE(list.AddItem(u"a"_s, {}, solid(Qt::red)));
+    ASSERT_TRUE(list.AddItem(u"b"_s, {}, solid(Qt::blue)));
+    ASSERT_TRUE(list.AddItem(u"c"_s, {}, solid(Qt::green), 0));
+    EXPECT_EQ(list.ItemText(0, 0), u"c"_s);
     EXPECT_EQ(shown(0), QColor(Qt::red));
     EXPECT_EQ(shown(1), QColor(Qt::blue));
     EXPECT_EQ(shown(2), QColor(Qt::green));
@@ -309,16 +275,16 @@ TEST_F(ListViewPictures, ARowInsertedFirstShowsThePictureOfTheLastPlace)
 
 TEST_F(ListViewPictures, AFailedAddStillAppendsItsPictureAndARemovalTakesThePictureOfItsPlace)
 {
-    EXPECT_FALSE(list.AddItem(QStringLiteral("never"), {}, solid(Qt::yellow), -3));
-    ASSERT_TRUE(list.AddItem(QStringLiteral("a"), {}, solid(Qt::red)));
-    ASSERT_TRUE(list.AddItem(QStringLiteral("b"), {}, solid(Qt::blue)));
+    EXPECT_FALSE(list.AddItem(u"never"_s, {}, solid(Qt::yellow), -3));
+    ASSERT_TRUE(list.AddItem(u"a"_s, {}, solid(Qt::red)));
+    ASSERT_TRUE(list.AddItem(u"b"_s, {}, solid(Qt::blue)));
     EXPECT_EQ(shown(0), QColor(Qt::yellow));
     EXPECT_EQ(shown(1), QColor(Qt::red));
     ASSERT_TRUE(list.ItemRemove(0));
-    EXPECT_EQ(list.ItemText(0, 0), QStringLiteral("b"));
+    EXPECT_EQ(list.ItemText(0, 0), u"b"_s);
     EXPECT_EQ(shown(0), QColor(Qt::red));
     EXPECT_TRUE(list.Clear());
-    ASSERT_TRUE(list.AddItem(QStringLiteral("z"), {}, solid(Qt::cyan)));
+    ASSERT_TRUE(list.AddItem(u"z"_s, {}, solid(Qt::cyan)));
     EXPECT_EQ(shown(0), QColor(Qt::cyan));
 }
 
