@@ -109,15 +109,6 @@ ErrorLog::ErrorLog(cabinet::clsCAB &reader)
         });
 }
 
-bool ErrorLog::has(long number) const
-{
-    for (const RaisedError &error : errors) {
-        if (error.number == number)
-            return true;
-    }
-    return false;
-}
-
 QByteArray sampleBytes(qsizetype size, quint32 seed)
 {
     static const char *const words[] = {"cabinet ", "folder ", "data ", "block ", "the ", "of ", "\n", "42 "};

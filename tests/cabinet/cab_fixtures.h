@@ -57,7 +57,6 @@ class ErrorLog
 public:
     explicit ErrorLog(cabinet::clsCAB &reader);
     QList<RaisedError> errors;
-    bool has(long number) const;
 };
 
 // Mixed, repeatable content: words, random bytes or both.

@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace qb::cabinet;
 
 namespace {
@@ -22,20 +24,16 @@ TEST(CabPaths, FixPathAddsOneSlash)
 
 TEST(CabPaths, SplitFileCutsAtTheLastSeparator)
 {
-    QString path;
-    QString file;
-    SplitFile(QStringLiteral("a\\b/c\\d.txt"), path, file);
-    EXPECT_EQ(path, QStringLiteral("a\\b/c\\"));
-    EXPECT_EQ(file, QStringLiteral("d.txt"));
-    SplitFile(QStringLiteral("a/b\\c/d"), path, file);
-    EXPECT_EQ(path, QStringLiteral("a/b\\c/"));
-    EXPECT_EQ(file, QStringLiteral("d"));
-    SplitFile(QStringLiteral("plain.txt"), path, file);
-    EXPECT_EQ(path, QString());
-    EXPECT_EQ(file, QStringLiteral("plain.txt"));
-    SplitFile(QStringLiteral("dir\\"), path, file);
-    EXPECT_EQ(path, QStringLiteral("dir\\"));
-    EXPECT_EQ(file, QString());
+    const std::tuple<const char *, const char *, const char *> cases[]
+        = {{"a\\b/c\\d.txt", "a\\b/c\\", "d.txt"}, {"a/b\\c/d", "a/b\\c/", "d"},
+            {"plain.txt", "", "plain.txt"}, {"dir\\", "dir\\", ""}};
+    for (const auto &[full, folder, name] : cases) {
+        QString path = QStringLiteral("old");
+        QString file = QStringLiteral("old");
+        SplitFile(QString::fromLatin1(full), path, file);
+        EXPECT_EQ(path, QString::fromLatin1(folder)) << full;
+        EXPECT_EQ(file, QString::fromLatin1(name)) << full;
+    }
 }
 
 TEST(CabPaths, MakePathCreatesEveryLevel)

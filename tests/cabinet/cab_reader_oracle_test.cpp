@@ -54,6 +54,33 @@ QStringList filesBelow(const QString &folder)
     return files;
 }
 
+// Our reader and each outside extractor unpack the whole cabinet into the same files, and only
+// those (no scratch file left behind); returns our folder. AfterExtract's targets go to after.
+QString expectEveryReaderAgrees(
+    TempTree &tree, const QString &cab, const QStringList &expected, QStringList *after = nullptr)
+{
+    clsCAB reader;
+    reader.setCabName(cab);
+    ErrorLog log(reader);
+    if (after)
+        QObject::connect(
+            &reader, &clsCAB::AfterExtract, [after](const QString &target) { *after << target; });
+    const QString out = tree.makeDir(QStringLiteral("ours"));
+    EXPECT_TRUE(reader.Extract(QString(), out, QString()));
+    EXPECT_TRUE(log.errors.isEmpty()) << (log.errors.isEmpty() ? 0 : log.errors[0].number);
+    EXPECT_EQ(filesBelow(out), expected);
+    for (const QString &tool : kExtractors) {
+        SCOPED_TRACE(tool.toStdString());
+        const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
+        const ToolResult run = extractWith(tool, cab, theirs);
+        EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
+        EXPECT_EQ(filesBelow(theirs), expected);
+        for (const QString &relative : expected)
+            EXPECT_EQ(readAll(theirs + u'/' + relative), readAll(out + u'/' + relative));
+    }
+    return out;
+}
+
 class ReaderOracle : public ::testing::TestWithParam<Maker>
 {
 protected:
@@ -91,37 +118,17 @@ TEST_P(ReaderOracle, ExtractsEveryFileByteExact)
 {
     TempTree tree;
     const QList<CabEntry> entries = sampleEntries();
-    const QString cab = build(tree, entries);
-    clsCAB reader;
-    reader.setCabName(cab);
-    ErrorLog log(reader);
+    QStringList relative;
+    for (const CabEntry &entry : entries)
+        relative << QString(entry.name).replace(u'\\', u'/');
+    QStringList expected = relative;
+    expected.sort();
     QStringList after;
-    QObject::connect(&reader, &clsCAB::AfterExtract, [&after](const QString &target) { after << target; });
-    const QString out = tree.makeDir(QStringLiteral("x"));
-    ASSERT_TRUE(reader.Extract(QString(), out, QString()));
-    EXPECT_TRUE(log.errors.isEmpty());
+    const QString out = expectEveryReaderAgrees(tree, build(tree, entries), expected, &after);
     ASSERT_EQ(after.size(), entries.size());
-    QStringList expectedFiles;
     for (qsizetype i = 0; i < entries.size(); ++i) {
-        const QString relative = QString(entries[i].name).replace(u'\\', u'/');
-        expectedFiles << relative;
-        EXPECT_EQ(after[i], out + u'/' + relative);
-        EXPECT_EQ(readAll(out + u'/' + relative), entries[i].bytes) << relative.toStdString();
-    }
-    expectedFiles.sort();
-    // Nothing else: no scratch file left behind.
-    EXPECT_EQ(filesBelow(out), expectedFiles);
-
-    // The same files, and only they, from each outside extractor.
-    for (const QString &tool : kExtractors) {
-        SCOPED_TRACE(tool.toStdString());
-        const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
-        const ToolResult run = extractWith(tool, cab, theirs);
-        ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
-        EXPECT_EQ(filesBelow(theirs), expectedFiles);
-        for (const QString &relative : expectedFiles)
-            EXPECT_EQ(readAll(out + u'/' + relative), readAll(theirs + u'/' + relative))
-                << relative.toStdString();
+        EXPECT_EQ(after[i], out + u'/' + relative[i]);
+        EXPECT_EQ(readAll(out + u'/' + relative[i]), entries[i].bytes) << relative[i].toStdString();
     }
 }
 
@@ -162,29 +169,6 @@ INSTANTIATE_TEST_SUITE_P(Makers, ReaderOracle,
         Maker {"MakecabNone", false, "NONE"}, Maker {"MakecabMszip", false, "MSZIP"},
         Maker {"MakecabLzx", false, "LZX"}),
     [](const ::testing::TestParamInfo<Maker> &info) { return std::string(info.param.label); });
-
-// Our reader and each outside extractor unpack the whole cabinet into the same files, and only
-// those; returns our folder.
-QString expectEveryReaderAgrees(TempTree &tree, const QString &cab, const QStringList &expected)
-{
-    clsCAB reader;
-    reader.setCabName(cab);
-    ErrorLog log(reader);
-    const QString out = tree.makeDir(QStringLiteral("ours"));
-    EXPECT_TRUE(reader.Extract(QString(), out, QString()));
-    EXPECT_TRUE(log.errors.isEmpty()) << (log.errors.isEmpty() ? 0 : log.errors[0].number);
-    EXPECT_EQ(filesBelow(out), expected);
-    for (const QString &tool : kExtractors) {
-        SCOPED_TRACE(tool.toStdString());
-        const QString theirs = tree.makeDir(QStringLiteral("theirs-") + tool);
-        const ToolResult run = extractWith(tool, cab, theirs);
-        EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
-        EXPECT_EQ(filesBelow(theirs), expected);
-        for (const QString &relative : expected)
-            EXPECT_EQ(readAll(theirs + u'/' + relative), readAll(out + u'/' + relative));
-    }
-    return out;
-}
 
 // 85 CJK characters are 255 bytes in UTF-8: the longest name a cabinet stores and Linux allows.
 TEST(Reader, ExtractsTheLongestNameAsTheOtherExtractorsDo)

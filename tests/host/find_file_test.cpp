@@ -22,46 +22,35 @@ QStringList relative(const clsFindFile &finder, const TempTree &tree)
     return out;
 }
 
-TEST(FindFile, EmptyFolderGivesNothing)
+TEST(FindFile, ResultsReplaceTheOldOnesAndCountFromOne)
 {
     TempTree tree;
     clsFindFile finder;
     EXPECT_TRUE(finder.FindFiles(tree.root(), QStringLiteral("*.*"), 8, true));
     EXPECT_EQ(finder.Count(), 0);
     EXPECT_EQ(finder.Size(), 0);
-    EXPECT_EQ(finder.Files(1), QString());
-}
 
-TEST(FindFile, MissingFolderGivesNothing)
-{
-    TempTree tree;
-    clsFindFile finder;
-    EXPECT_FALSE(finder.FindFiles(tree.path(QStringLiteral("missing")), QStringLiteral("*"), 8, true));
-    EXPECT_FALSE(finder.FindFiles(QString(), QStringLiteral("*"), 8, true));
-    EXPECT_EQ(finder.Count(), 0);
-}
-
-TEST(FindFile, StarDotStarFindsNamesWithoutExtension)
-{
-    TempTree tree;
     tree.writeFile(QStringLiteral("README"), "abc");
     tree.writeFile(QStringLiteral("a.txt"), "12345");
-    clsFindFile finder;
-    finder.FindFiles(tree.root(), QStringLiteral("*.*"), 8, false);
+    tree.writeFile(QStringLiteral("b.two"), "22");
+    // "*.*" takes names without a dot too; a trailing "/" is not doubled.
+    EXPECT_TRUE(finder.FindFiles(tree.root() + u'/', QStringLiteral("*.*"), 8, false));
     QStringList found = relative(finder, tree);
     found.sort();
-    EXPECT_EQ(found, (QStringList {QStringLiteral("README"), QStringLiteral("a.txt")}));
-    EXPECT_EQ(finder.Size(), 8);
-}
+    EXPECT_EQ(
+        found, (QStringList {QStringLiteral("README"), QStringLiteral("a.txt"), QStringLiteral("b.two")}));
+    EXPECT_EQ(finder.Size(), 10);
+    for (const qsizetype outside : {0, 4, -1})
+        EXPECT_EQ(finder.Files(outside), QString()) << outside;
 
-TEST(FindFile, TrailingSlashIsNotDoubled)
-{
-    TempTree tree;
-    tree.writeFile(QStringLiteral("x.bin"), "1");
-    clsFindFile finder;
-    finder.FindFiles(tree.root() + u'/', QStringLiteral("*"), 8, false);
-    ASSERT_EQ(finder.Count(), 1);
-    EXPECT_EQ(finder.Files(1), tree.root() + QStringLiteral("/x.bin"));
+    finder.FindFiles(tree.root(), QStringLiteral("*.two"), 8, false);
+    EXPECT_EQ(relative(finder, tree), QStringList {QStringLiteral("b.two")});
+    EXPECT_EQ(finder.Size(), 2);
+    // A folder that can't be read leaves no results behind.
+    EXPECT_FALSE(finder.FindFiles(tree.path(QStringLiteral("missing")), QStringLiteral("*"), 8, true));
+    EXPECT_EQ(finder.Count(), 0);
+    EXPECT_FALSE(finder.FindFiles(QString(), QStringLiteral("*"), 8, true));
+    EXPECT_EQ(finder.Size(), 0);
 }
 
 TEST(FindFile, AttributeMasks)
@@ -119,28 +108,9 @@ TEST(FindFile, FoldersComeBreadthFirst)
     }
     EXPECT_EQ(found.first(), QStringLiteral("3.f"));
     EXPECT_EQ(found.last(), QStringLiteral("a/deep/x/1.f"));
-}
-
-TEST(FindFile, WithoutSubFolderOnlyTheFolderItself)
-{
-    TempTree tree;
-    tree.writeFile(QStringLiteral("top.f"), "1");
-    tree.writeFile(QStringLiteral("sub/inner.f"), "1");
-    clsFindFile finder;
+    // Without SubFolder only the folder itself.
     finder.FindFiles(tree.root(), QStringLiteral("*.f"), 8, false);
-    EXPECT_EQ(relative(finder, tree), QStringList {QStringLiteral("top.f")});
-}
-
-TEST(FindFile, ResultsReplaceTheOldOnes)
-{
-    TempTree tree;
-    tree.writeFile(QStringLiteral("a.one"), "1");
-    tree.writeFile(QStringLiteral("b.two"), "22");
-    clsFindFile finder;
-    finder.FindFiles(tree.root(), QStringLiteral("*.one"), 8, false);
-    finder.FindFiles(tree.root(), QStringLiteral("*.two"), 8, false);
-    EXPECT_EQ(relative(finder, tree), QStringList {QStringLiteral("b.two")});
-    EXPECT_EQ(finder.Size(), 2);
+    EXPECT_EQ(relative(finder, tree), QStringList {QStringLiteral("3.f")});
 }
 
 TEST(FindFile, SizeTakesOnlyTheLowWordAbove4GiB)
@@ -207,18 +177,6 @@ TEST(FindFile, UnreadableFolderIsSkippedSilently)
     if (count < 0)
         GTEST_SKIP() << "cannot drop privileges here";
     EXPECT_EQ(count, 2);
-}
-
-TEST(FindFile, IndexOutsideGivesEmpty)
-{
-    TempTree tree;
-    tree.writeFile(QStringLiteral("a"), "1");
-    clsFindFile finder;
-    finder.FindFiles(tree.root(), QStringLiteral("*"), 8, false);
-    EXPECT_EQ(finder.Files(0), QString());
-    EXPECT_EQ(finder.Files(2), QString());
-    EXPECT_EQ(finder.Files(-1), QString());
-    EXPECT_FALSE(finder.Files(1).isEmpty());
 }
 
 } // namespace

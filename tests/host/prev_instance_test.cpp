@@ -160,38 +160,31 @@ TEST_F(PrevInstanceTest, CrashedInstanceDoesNotBlockTheNextStart)
 TEST_F(PrevInstanceTest, PiecesAreFilesFoldersOrWords)
 {
     const QString spaced = tree.writeFile(u"with blanks/my file.txt"_s, "x");
-    clsPrevInstance instance {QString()};
-    Receiver receiver(instance);
-    instance.setReady(true);
-    struct Case
+    const QString wide = tree.writeFile(u"中文 名"_s, "x");
+    const QString folder = tree.path(u"with blanks"_s);
+    const struct
     {
         QString command;
-        QStringList files;
-        QStringList folders;
-        QStringList parameters;
-    };
-    const Case cases[] = {
+        QStringList files, folders, parameters;
+    } cases[] = {
         // Quoted: one piece. Unquoted but existing whole: still one piece.
         {u'"' + spaced + u'"', {spaced}, {}, {}},
         {spaced, {spaced}, {}, {}},
         // Not a path: its words.
         {u"/no such/place here"_s, {}, {}, {u"/no"_s, u"such/place"_s, u"here"_s}},
         {u"\"\" \"  \""_s, {}, {}, {}},
-        {u'"' + tree.path(u"with blanks"_s) + u"/\""_s, {}, {tree.path(u"with blanks/"_s)}, {}},
+        {u'"' + folder + u"/\""_s, {}, {folder + u'/'}, {}},
+        // Joined arguments split back into the same pieces.
+        {clsPrevInstance::JoinCommandLine({spaced, wide, folder, u"x"_s}), {spaced, wide}, {folder + u'/'},
+            {u"x"_s}},
     };
-    // Parse directly through a second instance per case.
-    instance.PrevInstance(QString(), QString());
-    for (const Case &c : cases) {
-        clsPrevInstance sender(c.command);
-        EXPECT_NE(sender.PrevInstance(QString(), QString()), 0);
+    for (const auto &c : cases) {
+        const clsPrevInstance::ParsedCommand parsed = clsPrevInstance::ParseCommand(c.command);
+        EXPECT_EQ(parsed.Files, c.files) << c.command.toStdString();
+        EXPECT_EQ(parsed.Folders, c.folders) << c.command.toStdString();
+        EXPECT_EQ(parsed.Parameters, c.parameters) << c.command.toStdString();
     }
-    ASSERT_TRUE(receiver.waitFor(std::size(cases)));
-    for (size_t i = 0; i < std::size(cases); ++i) {
-        const Request &r = receiver.requests[i];
-        EXPECT_EQ(r.files, cases[i].files) << cases[i].command.toStdString();
-        EXPECT_EQ(r.folders, cases[i].folders) << cases[i].command.toStdString();
-        EXPECT_EQ(r.parameters, cases[i].parameters) << cases[i].command.toStdString();
-    }
+    EXPECT_TRUE(clsPrevInstance::RendezvousName().contains(u"qb_host_tests"_s));
 }
 
 TEST_F(PrevInstanceTest, OversizeRequestArrivesCutAtTheLimit)
@@ -239,17 +232,6 @@ TEST_F(PrevInstanceTest, RelativeArgumentsAreMadeAbsoluteInTheCallersFolder)
     const QStringList expected {file, caller + u"/sub dir/b c.txt"_s, caller + u"/sub dir"_s,
         caller + u"/../data/same.txt"_s, file, u"no-such.txt"_s, u"--flag"_s, QString()};
     EXPECT_EQ(clsPrevInstance::AbsoluteArguments(given, caller), expected);
-}
-
-TEST(PrevInstanceNames, JoinedArgumentsSplitBack)
-{
-    const QStringList args {u"/a b/c.txt"_s, u"x"_s, u"中文 名"_s};
-    const QString joined = clsPrevInstance::JoinCommandLine(args);
-    QStringList back;
-    for (QString piece : joined.split(u"\" \""_s))
-        back.append(piece.remove(u'"'));
-    EXPECT_EQ(back, args);
-    EXPECT_TRUE(clsPrevInstance::RendezvousName().contains(u"qb_host_tests"_s));
 }
 
 } // namespace

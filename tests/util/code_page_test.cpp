@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -30,14 +31,26 @@ TEST(CodePageTest, Utf8Validity)
         EXPECT_EQ(IsValidUtf8(QByteArray::fromHex(digits)), valid) << digits;
 }
 
-TEST(CodePageTest, Utf8DecodeReplacesBrokenSequences)
+TEST(CodePageTest, DecodeReplacesWhatIsBroken)
 {
-    EXPECT_EQ(DecodeCodePage(QByteArray::fromHex("61ff62"), 65001), u"a\uFFFDb"_s);
-    // A cut-off sequence is one replacement; decoding resumes at the byte that broke it.
-    EXPECT_EQ(DecodeCodePage(QByteArray::fromHex("e4b878"), 65001), u"\uFFFDx"_s);
-    EXPECT_EQ(DecodeCodePage(QByteArray::fromHex("eda080"), 65001), u"\uFFFD\uFFFD\uFFFD"_s);
-    EXPECT_EQ(DecodeCodePage(QByteArray::fromHex("f09f9880"), 65001), u"\U0001F600"_s);
-    EXPECT_EQ(DecodeCodePage(QByteArray::fromHex("efbbbf41"), 65001), u"\uFEFFA"_s);
+    const std::tuple<const char *, int, QString> cases[] = {
+        {"61ff62", 65001, u"a\uFFFDb"_s},
+        // A cut-off sequence is one replacement; decoding resumes at the byte that broke it.
+        {"e4b878", 65001, u"\uFFFDx"_s}, {"eda080", 65001, u"\uFFFD\uFFFD\uFFFD"_s},
+        {"f09f9880", 65001, u"\U0001F600"_s}, {"efbbbf41", 65001, u"\uFEFFA"_s},
+        {"d6d0cec4", 0, u"中文"_s}, // not UTF-8, so GBK
+        {"e4b8ade69687", 0, u"中文"_s},
+        // One bad byte sends the whole buffer to GBK, the valid UTF-8 part included.
+        {"e4b8add6d0", 0, u"涓\uFFFD中"_s}, {"a4a4a4e5", 950, u"中文"_s}, {"636166e980", 1252, u"café€"_s},
+        {"61ff62", 936, u"a\uFFFDb"_s}, {"6181", 936, u"a\uFFFD"_s}, // lead byte at the end
+        {"81", 1252, u"\uFFFD"_s}, // hole in the table
+    };
+    for (const auto &[digits, cp, text] : cases)
+        EXPECT_EQ(DecodeCodePage(QByteArray::fromHex(digits), cp), text) << digits << " in " << cp;
+    for (const int cp : {12345, -1, 99999}) {
+        EXPECT_TRUE(DecodeCodePage("abc", cp).isEmpty()) << cp;
+        EXPECT_TRUE(EncodeCodePage(u"abc", cp).isEmpty()) << cp;
+    }
 }
 
 TEST(CodePageTest, Utf8AgreesWithQtOnValidText)
@@ -52,23 +65,6 @@ TEST(CodePageTest, Utf8AgreesWithQtOnValidText)
     EXPECT_TRUE(IsValidUtf8(encoded));
     EXPECT_EQ(DecodeCodePage(encoded, 65001), all);
     EXPECT_EQ(DecodeCodePage(encoded, 0), all);
-}
-
-TEST(CodePageTest, LegacyPagesDecode)
-{
-    EXPECT_EQ(DecodeCodePage("\xD6\xD0\xCE\xC4", 0), u"中文"_s); // not UTF-8, so GBK
-    EXPECT_EQ(DecodeCodePage("\xE4\xB8\xAD\xE6\x96\x87", 0), u"中文"_s);
-    // One bad byte sends the whole buffer to GBK, the valid UTF-8 part included.
-    EXPECT_EQ(DecodeCodePage("\xE4\xB8\xAD\xD6\xD0", 0), u"涓\uFFFD中"_s);
-    EXPECT_EQ(DecodeCodePage("\xA4\xA4\xA4\xE5", 950), u"中文"_s);
-    EXPECT_EQ(DecodeCodePage("caf\xE9\x80", 1252), u"café€"_s);
-    EXPECT_EQ(DecodeCodePage(QByteArray::fromHex("61ff62"), 936), u"a\uFFFDb"_s);
-    EXPECT_EQ(DecodeCodePage("a\x81", 936), u"a\uFFFD"_s); // lead byte at the end
-    EXPECT_EQ(DecodeCodePage("\x81", 1252), u"\uFFFD"_s); // hole in the table
-    for (const int cp : {12345, -1, 99999}) {
-        EXPECT_TRUE(DecodeCodePage("abc", cp).isEmpty()) << cp;
-        EXPECT_TRUE(EncodeCodePage(u"abc", cp).isEmpty()) << cp;
-    }
 }
 
 TEST(CodePageTest, EncodeReplacesWhatThePageLacks)

@@ -6,6 +6,8 @@
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
+#include <utility>
+
 using qb::test::TempTree;
 using qb::util::FileSearchEngine;
 
@@ -41,45 +43,38 @@ QStringList sortedFiles(const Report &report)
     return files;
 }
 
-TEST(FileSearch, EmptyTextReportsEveryFileThePatternSelects)
+TEST(FileSearch, PatternSelectsFilesAndDottedFolders)
 {
     TempTree tree;
     tree.writeFile(QStringLiteral("a.txt"), "12345");
-    tree.writeFile(QStringLiteral("b.log"), "1");
     tree.writeFile(QStringLiteral("sub/c.TXT"), "12");
     tree.writeFile(QStringLiteral("sub/deeper/d.txt"));
-    const Report report = runSearch(tree, QStringLiteral("*.txt"), QString());
-    ASSERT_GE(report.events.size(), 2);
-    EXPECT_EQ(report.events.first(), QStringLiteral("start"));
-    EXPECT_EQ(report.events.last(), QStringLiteral("end"));
-    EXPECT_EQ(sortedFiles(report),
-        (QStringList {QStringLiteral("file 0 0 sub/deeper/d.txt"), QStringLiteral("file 0 2 sub/c.TXT"),
-            QStringLiteral("file 0 5 a.txt")}));
-}
-
-TEST(FileSearch, PatternRules)
-{
-    TempTree tree;
-    tree.writeFile(QStringLiteral("exact.dat"), "x");
-    tree.writeFile(QStringLiteral("other.dat"), "x");
     tree.writeFile(QStringLiteral("noext"), "x");
-    // No "*": only that name.
-    EXPECT_EQ(sortedFiles(runSearch(tree, QStringLiteral("exact.dat"), QString())),
-        QStringList {QStringLiteral("file 0 1 exact.dat")});
-    // "*" and a dot: "*." plus what follows the first dot.
-    EXPECT_EQ(sortedFiles(runSearch(tree, QStringLiteral("ex*.dat"), QString())).size(), 2);
-    // "*" without a dot: every file, the one without extension too.
-    EXPECT_EQ(sortedFiles(runSearch(tree, QStringLiteral("*"), QString())).size(), 3);
-}
-
-TEST(FileSearch, FoldersMatchingThePatternAreReported)
-{
-    TempTree tree;
-    tree.writeFile(QStringLiteral("music.box/song.mp3"), "x");
+    tree.writeFile(QStringLiteral("music.box/song.mp3"), "xyz");
     tree.makeDir(QStringLiteral("plain"));
-    const QStringList files = sortedFiles(runSearch(tree, QStringLiteral("*.*"), QString()));
-    EXPECT_EQ(files,
-        (QStringList {QStringLiteral("file 0 0 music.box"), QStringLiteral("file 0 1 music.box/song.mp3")}));
+    const QString txt = QStringLiteral("file 0 5 a.txt|file 0 2 sub/c.TXT|file 0 0 sub/deeper/d.txt");
+    const QString everyFile = txt + QStringLiteral("|file 0 1 noext|file 0 3 music.box/song.mp3");
+    const std::pair<const char *, QString> cases[] = {
+        {"*.txt", txt},
+        // No "*": only that name.
+        {"a.txt", QStringLiteral("file 0 5 a.txt")},
+        // "*" and a dot: "*." plus what follows the first dot.
+        {"x*.txt", txt},
+        // Otherwise every file; folders are reported where the pattern is Like their name.
+        {"*",
+            everyFile
+                + QStringLiteral("|file 0 0 sub|file 0 0 sub/deeper|file 0 0 music.box|file 0 0 plain")},
+        {"*.*", everyFile + QStringLiteral("|file 0 0 music.box")},
+    };
+    for (const auto &[pattern, files] : cases) {
+        const Report report = runSearch(tree, QString::fromLatin1(pattern), QString());
+        QStringList expected = files.split(u'|');
+        expected.sort();
+        EXPECT_EQ(sortedFiles(report), expected) << pattern;
+        ASSERT_GE(report.events.size(), 2);
+        EXPECT_EQ(report.events.first(), QStringLiteral("start"));
+        EXPECT_EQ(report.events.last(), QStringLiteral("end"));
+    }
 }
 
 TEST(FileSearch, ContentSearchCountsHits)
@@ -99,23 +94,19 @@ TEST(FileSearch, ContentSearchCountsHits)
         files[0].startsWith(QStringLiteral("file 2 ")) || files[1].startsWith(QStringLiteral("file 2 ")));
 }
 
-TEST(FileSearch, StopOnlyAnnouncesTheEnd)
-{
-    FileSearchEngine engine;
-    QSignalSpy ends(&engine, &FileSearchEngine::SearchEnd);
-    engine.SearchFileStop();
-    EXPECT_EQ(ends.size(), 1);
-}
-
-TEST(FileSearch, MissingStartFolderReportsNothingButStartAndEnd)
+TEST(FileSearch, StopAndAMissingFolderOnlyAnnounce)
 {
     TempTree tree;
     FileSearchEngine engine;
     QSignalSpy files(&engine, &FileSearchEngine::SearchFile);
     QSignalSpy starts(&engine, &FileSearchEngine::SearchStart);
+    QSignalSpy ends(&engine, &FileSearchEngine::SearchEnd);
+    engine.SearchFileStop();
+    EXPECT_EQ(ends.size(), 1);
     engine.SearchFileStart(tree.path(QStringLiteral("missing")), QStringLiteral("*"), QString());
     EXPECT_EQ(files.size(), 0);
     EXPECT_EQ(starts.size(), 1);
+    EXPECT_EQ(ends.size(), 2);
 }
 
 struct ContentCase

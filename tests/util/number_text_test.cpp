@@ -4,6 +4,8 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <tuple>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using qb::util::FormatNumber;
@@ -28,47 +30,32 @@ std::string show(const char16_t *text)
     return utf8(QString::fromUtf16(text));
 }
 
-struct ValCase
+TEST(NumberVal, ReadsLikeTheClassicVal)
 {
-    const char16_t *text;
-    double expected;
-};
-
-class NumberValTable : public ::testing::TestWithParam<ValCase>
-{
-};
-
-TEST_P(NumberValTable, ReadsLikeTheClassicVal)
-{
-    const ValCase &c = GetParam();
-    const double got = Val(QStringView(c.text));
-    EXPECT_EQ(got, c.expected) << '"' << show(c.text) << '"';
-    EXPECT_FALSE(got == 0 && std::signbit(got)) << "negative zero from \"" << show(c.text) << '"';
-}
-
-INSTANTIATE_TEST_SUITE_P(NumberVal, NumberValTable,
-    ::testing::Values(ValCase {u"03.45", 3.45}, ValCase {u" 1 2", 12}, ValCase {u"12abc", 12},
-        ValCase {u"abc", 0}, ValCase {u"-1.5e2", -150}, ValCase {u"", 0},
+    const std::pair<const char16_t *, double> cases[] = {{u"03.45", 3.45}, {u" 1 2", 12}, {u"12abc", 12},
+        {u"abc", 0}, {u"-1.5e2", -150}, {u"", 0},
         // Blanks, tabs and line feeds vanish anywhere, even inside the sign and exponent.
-        ValCase {u"\t- \n4 . 5", -4.5}, ValCase {u"1 e 2", 100}, ValCase {u"12\r3", 12},
-        ValCase {u"\u00a012", 0},
+        {u"\t- \n4 . 5", -4.5}, {u"1 e 2", 100}, {u"12\r3", 12}, {u"\u00a012", 0},
         // Only one point; the exponent needs digits; "D" works like "E".
-        ValCase {u"1.2.3", 1.2}, ValCase {u"1e", 1}, ValCase {u"1e+", 1}, ValCase {u"1.5E-x", 1.5},
-        ValCase {u"2D3", 2000}, ValCase {u"2d-1", 0.2}, ValCase {u"1,000", 1},
+        {u"1.2.3", 1.2}, {u"1e", 1}, {u"1e+", 1}, {u"1.5E-x", 1.5}, {u"2D3", 2000}, {u"2d-1", 0.2},
+        {u"1,000", 1},
         // Partial numbers.
-        ValCase {u".5", 0.5}, ValCase {u"5.", 5}, ValCase {u"-.5", -0.5}, ValCase {u"+7", 7},
-        ValCase {u".", 0}, ValCase {u"-", 0}, ValCase {u"+-1", 0}, ValCase {u"-0", 0}, ValCase {u"-0.0e5", 0},
-        ValCase {u"\uff11\uff12", 0},
+        {u".5", 0.5}, {u"5.", 5}, {u"-.5", -0.5}, {u"+7", 7}, {u".", 0}, {u"-", 0}, {u"+-1", 0}, {u"-0", 0},
+        {u"-0.0e5", 0}, {u"\uff11\uff12", 0},
         // Hexadecimal and octal, with the 16/32-bit sign rule.
-        ValCase {u"&H1F", 31}, ValCase {u"&h1f", 31}, ValCase {u"&O17", 15}, ValCase {u"&o777", 511},
-        ValCase {u"&HFFFF", -1}, ValCase {u"&H8000", -32768}, ValCase {u"&H7FFF", 32767},
-        ValCase {u"&H10000", 65536}, ValCase {u"&H7FFFFFFF", 2147483647},
-        ValCase {u"&H80000000", -2147483648.0}, ValCase {u"&HFFFFFFFF", -1}, ValCase {u"&H100000000", 0},
-        ValCase {u"&H000000000001", 1}, ValCase {u"&O177777", -1}, ValCase {u"&H", 0}, ValCase {u"&X1", 0},
-        ValCase {u"&O8", 0}, ValCase {u"&H1G", 1}, ValCase {u" & H 1 F", 31}, ValCase {u"-&H10", 0},
+        {u"&H1F", 31}, {u"&h1f", 31}, {u"&O17", 15}, {u"&o777", 511}, {u"&HFFFF", -1}, {u"&H8000", -32768},
+        {u"&H7FFF", 32767}, {u"&H10000", 65536}, {u"&H7FFFFFFF", 2147483647}, {u"&H80000000", -2147483648.0},
+        {u"&HFFFFFFFF", -1}, {u"&H100000000", 0}, {u"&H000000000001", 1}, {u"&O177777", -1}, {u"&H", 0},
+        {u"&X1", 0}, {u"&O8", 0}, {u"&H1G", 1}, {u" & H 1 F", 31}, {u"-&H10", 0},
         // Out of a double's range: 0, never inf.
-        ValCase {u"1e400", 0}, ValCase {u"-1e400", 0}, ValCase {u"1e-400", 0}, ValCase {u"1e308", 1e308},
-        ValCase {u"9007199254740993", 9007199254740992.0}));
+        {u"1e400", 0}, {u"-1e400", 0}, {u"1e-400", 0}, {u"1e308", 1e308},
+        {u"9007199254740993", 9007199254740992.0}};
+    for (const auto &[text, expected] : cases) {
+        const double got = Val(QStringView(text));
+        EXPECT_EQ(got, expected) << '"' << show(text) << '"';
+        EXPECT_FALSE(got == 0 && std::signbit(got)) << "negative zero from \"" << show(text) << '"';
+    }
+}
 
 TEST(NumberVal, LongDigitRunsStayExactAndFinite)
 {
@@ -80,33 +67,17 @@ TEST(NumberVal, LongDigitRunsStayExactAndFinite)
     EXPECT_EQ(Val(u"1e-"_s + QString(50, u'9')), 0);
 }
 
-struct NumericCase
+TEST(NumberIsNumeric, AcceptsOnlyPlainDecimalNumbers)
 {
-    const char16_t *text;
-    bool expected;
-};
-
-class NumberIsNumericTable : public ::testing::TestWithParam<NumericCase>
-{
-};
-
-TEST_P(NumberIsNumericTable, AcceptsOnlyPlainDecimalNumbers)
-{
-    const NumericCase &c = GetParam();
-    EXPECT_EQ(IsNumericText(QStringView(c.text)), c.expected) << '"' << show(c.text) << '"';
+    const std::pair<const char16_t *, bool> cases[]
+        = {{u"5", true}, {u" 5 ", true}, {u"\t-5\t", true}, {u"+5", true}, {u".5", true}, {u"5.", true},
+            {u"1e5", true}, {u"1E+5", true}, {u"1.5e-3", true}, {u"1D2", true}, {u"007", true}, {u"", false},
+            {u"   ", false}, {u"1:2", false}, {u"abc", false}, {u"1e", false}, {u"1e+", false}, {u".", false},
+            {u"-", false}, {u"+.", false}, {u"1 2", false}, {u"- 5", false}, {u"5a", false}, {u"&H1F", false},
+            {u"1.2.3", false}, {u"1,000", false}, {u"e5", false}, {u"5\n", false}, {u"\uff15", false}};
+    for (const auto &[text, expected] : cases)
+        EXPECT_EQ(IsNumericText(QStringView(text)), expected) << '"' << show(text) << '"';
 }
-
-INSTANTIATE_TEST_SUITE_P(NumberIsNumeric, NumberIsNumericTable,
-    ::testing::Values(NumericCase {u"5", true}, NumericCase {u" 5 ", true}, NumericCase {u"\t-5\t", true},
-        NumericCase {u"+5", true}, NumericCase {u".5", true}, NumericCase {u"5.", true},
-        NumericCase {u"1e5", true}, NumericCase {u"1E+5", true}, NumericCase {u"1.5e-3", true},
-        NumericCase {u"1D2", true}, NumericCase {u"007", true}, NumericCase {u"", false},
-        NumericCase {u"   ", false}, NumericCase {u"1:2", false}, NumericCase {u"abc", false},
-        NumericCase {u"1e", false}, NumericCase {u"1e+", false}, NumericCase {u".", false},
-        NumericCase {u"-", false}, NumericCase {u"+.", false}, NumericCase {u"1 2", false},
-        NumericCase {u"- 5", false}, NumericCase {u"5a", false}, NumericCase {u"&H1F", false},
-        NumericCase {u"1.2.3", false}, NumericCase {u"1,000", false}, NumericCase {u"e5", false},
-        NumericCase {u"5\n", false}, NumericCase {u"\uff15", false}));
 
 TEST(NumberRounding, HalfGoesToTheEvenNeighbour)
 {
@@ -143,65 +114,42 @@ TEST(NumberRounding, RoundToLongChecksTheRangeAfterRounding)
     }
 }
 
-struct FormatCase
+TEST(NumberFormat, FormatsLikeTheClassicFormat)
 {
-    double value;
-    const char16_t *pattern;
-    const char16_t *expected;
-};
-
-class NumberFormatTable : public ::testing::TestWithParam<FormatCase>
-{
-};
-
-TEST_P(NumberFormatTable, FormatsLikeTheClassicFormat)
-{
-    const FormatCase &c = GetParam();
-    EXPECT_EQ(utf8(FormatNumber(c.value, QStringView(c.pattern))), utf8(QString::fromUtf16(c.expected)))
-        << c.value << " with \"" << show(c.pattern) << '"';
-}
-
-INSTANTIATE_TEST_SUITE_P(NumberFormat, NumberFormatTable,
-    ::testing::Values(
-        // Integers, half away from zero on the shortest digits.
-        FormatCase {3, u"0", u"3"}, FormatCase {2.5, u"0", u"3"}, FormatCase {3.5, u"0", u"4"},
-        FormatCase {-2.5, u"0", u"-3"}, FormatCase {0.4, u"0", u"0"}, FormatCase {-0.4, u"0", u"0"},
-        FormatCase {0.49999999999999994, u"0", u"0"}, FormatCase {3, u"00", u"03"},
-        FormatCase {123, u"00", u"123"}, FormatCase {7, u"000", u"007"}, FormatCase {-7, u"000", u"-007"},
-        FormatCase {3, u"0#", u"03"}, FormatCase {100, u"0#", u"100"}, FormatCase {3, u"#0", u"3"},
-        FormatCase {3, u"0##", u"003"},
+    // Integers, half away from zero on the shortest digits.
+    const std::tuple<double, const char16_t *, const char16_t *> cases[] = {{3, u"0", u"3"},
+        {2.5, u"0", u"3"}, {3.5, u"0", u"4"}, {-2.5, u"0", u"-3"}, {0.4, u"0", u"0"}, {-0.4, u"0", u"0"},
+        {0.49999999999999994, u"0", u"0"}, {3, u"00", u"03"}, {123, u"00", u"123"}, {7, u"000", u"007"},
+        {-7, u"000", u"-007"}, {3, u"0#", u"03"}, {100, u"0#", u"100"}, {3, u"#0", u"3"}, {3, u"0##", u"003"},
         // Two decimals.
-        FormatCase {1.005, u"0.00", u"1.01"}, FormatCase {0.125, u"0.00", u"0.13"},
-        FormatCase {2.675, u"0.00", u"2.68"}, FormatCase {9.995, u"0.00", u"10.00"},
-        FormatCase {-0.001, u"0.00", u"0.00"}, FormatCase {-0.005, u"0.00", u"-0.01"},
-        FormatCase {0, u"0.00", u"0.00"}, FormatCase {-0.0, u"0.00", u"0.00"},
-        FormatCase {1234.5, u"0.00", u"1234.50"}, FormatCase {0.999, u"0.00", u"1.00"},
-        FormatCase {1e-300, u"0.000", u"0.000"},
+        {1.005, u"0.00", u"1.01"}, {0.125, u"0.00", u"0.13"}, {2.675, u"0.00", u"2.68"},
+        {9.995, u"0.00", u"10.00"}, {-0.001, u"0.00", u"0.00"}, {-0.005, u"0.00", u"-0.01"},
+        {0, u"0.00", u"0.00"}, {-0.0, u"0.00", u"0.00"}, {1234.5, u"0.00", u"1234.50"},
+        {0.999, u"0.00", u"1.00"}, {1e-300, u"0.000", u"0.000"},
         // "#" prints no digit it does not need.
-        FormatCase {0, u"#", u""}, FormatCase {0.4, u"#", u""}, FormatCase {-0.4, u"#", u""},
-        FormatCase {0.5, u"#", u"1"}, FormatCase {42, u"#", u"42"}, FormatCase {-42, u"#", u"-42"},
-        FormatCase {3, u"#.##", u"3."}, FormatCase {0.5, u"#.##", u".5"}, FormatCase {1.5, u"0.0#", u"1.5"},
-        FormatCase {1.255, u"0.0#", u"1.26"}, FormatCase {1, u"0.0#", u"1.0"},
+        {0, u"#", u""}, {0.4, u"#", u""}, {-0.4, u"#", u""}, {0.5, u"#", u"1"}, {42, u"#", u"42"},
+        {-42, u"#", u"-42"}, {3, u"#.##", u"3."}, {0.5, u"#.##", u".5"}, {1.5, u"0.0#", u"1.5"},
+        {1.255, u"0.0#", u"1.26"}, {1, u"0.0#", u"1.0"},
         // Thousands separators.
-        FormatCase {1234567, u"#,0", u"1,234,567"}, FormatCase {0, u"#,0", u"0"},
-        FormatCase {999, u"#,0", u"999"}, FormatCase {1000, u"#,0", u"1,000"},
-        FormatCase {123456, u"#,0", u"123,456"}, FormatCase {-1234.5, u"#,0", u"-1,235"},
-        FormatCase {999999.5, u"#,0", u"1,000,000"}, FormatCase {1234.5, u"#,0.00", u"1,234.50"},
+        {1234567, u"#,0", u"1,234,567"}, {0, u"#,0", u"0"}, {999, u"#,0", u"999"}, {1000, u"#,0", u"1,000"},
+        {123456, u"#,0", u"123,456"}, {-1234.5, u"#,0", u"-1,235"}, {999999.5, u"#,0", u"1,000,000"},
+        {1234.5, u"#,0.00", u"1,234.50"},
         // Integers beyond 2^53 keep every digit the double holds.
-        FormatCase {1152921504606846976.0, u"0", u"1152921504606846976"},
-        FormatCase {1152921504606846976.0, u"#,0", u"1,152,921,504,606,846,976"},
-        FormatCase {-1152921504606846976.0, u"0.00", u"-1152921504606846976.00"},
-        FormatCase {1e23, u"0", u"99999999999999991611392"},
-        FormatCase {9007199254740993.0, u"0", u"9007199254740992"},
+        {1152921504606846976.0, u"0", u"1152921504606846976"},
+        {1152921504606846976.0, u"#,0", u"1,152,921,504,606,846,976"},
+        {-1152921504606846976.0, u"0.00", u"-1152921504606846976.00"},
+        {1e23, u"0", u"99999999999999991611392"}, {9007199254740993.0, u"0", u"9007199254740992"},
         // Anything else: the shortest decimal form.
-        FormatCase {1.5, u"abc", u"1.5"}, FormatCase {1234567, u"", u"1234567"},
-        FormatCase {0.1, u"x", u"0.1"}, FormatCase {-2.5, u"?", u"-2.5"}, FormatCase {1e20, u"0%", u"1E+20"},
-        FormatCase {2.5e-7, u"0.0.0", u"2.5E-07"}, FormatCase {0.1, u"0,", u"0.1"},
-        FormatCase {0.1, u",0", u"0.1"}, FormatCase {0.1, u"0,,0", u"0.1"}, FormatCase {0.1, u".", u"0.1"},
-        FormatCase {-0.0, u"general", u"0"},
+        {1.5, u"abc", u"1.5"}, {1234567, u"", u"1234567"}, {0.1, u"x", u"0.1"}, {-2.5, u"?", u"-2.5"},
+        {1e20, u"0%", u"1E+20"}, {2.5e-7, u"0.0.0", u"2.5E-07"}, {0.1, u"0,", u"0.1"}, {0.1, u",0", u"0.1"},
+        {0.1, u"0,,0", u"0.1"}, {0.1, u".", u"0.1"}, {-0.0, u"general", u"0"},
         // Not a number at all.
-        FormatCase {kNaN, u"0", u""}, FormatCase {kInf, u"0.00", u""}, FormatCase {-kInf, u"#,0", u""},
-        FormatCase {kNaN, u"general", u""}));
+        {kNaN, u"0", u""}, {kInf, u"0.00", u""}, {-kInf, u"#,0", u""}, {kNaN, u"general", u""}};
+    for (const auto &[value, pattern, expected] : cases) {
+        EXPECT_EQ(utf8(FormatNumber(value, QStringView(pattern))), utf8(QString::fromUtf16(expected)))
+            << value << " with \"" << show(pattern) << '"';
+    }
+}
 
 TEST(NumberFormat, ExtremesPrintInFull)
 {

@@ -7,6 +7,7 @@
 #include <limits>
 #include <numeric>
 #include <random>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -47,57 +48,31 @@ TEST(SortSwapValues, ExchangesValueAndType)
     EXPECT_EQ(b.toInt(), 1);
 }
 
-TEST(SortVariantArray, ShortAndTrivialLists)
+TEST(SortVariantArray, NumbersAsNumbersElseTextsAndStable)
 {
-    expectSorted({}, {});
-    expectSorted({QVariant(5)}, {QVariant(5)});
-    expectSorted({QVariant(2), QVariant(1)}, {QVariant(1), QVariant(2)});
-    expectSorted({QVariant(3), QVariant(1), QVariant(2)}, {QVariant(1), QVariant(2), QVariant(3)});
-}
-
-TEST(SortVariantArray, NumbersCompareAsNumbers)
-{
-    expectSorted({QVariant(10), QVariant(9), QVariant(100)}, {QVariant(9), QVariant(10), QVariant(100)});
-    expectSorted(
-        {QVariant(2.5), QVariant(2), QVariant(qint64(-1)), QVariant(3u), QVariant(true), QVariant(false)},
-        {QVariant(qint64(-1)), QVariant(false), QVariant(true), QVariant(2), QVariant(2.5), QVariant(3u)});
-    // 64-bit integers compare exactly, including across signedness.
-    expectSorted({QVariant(std::numeric_limits<quint64>::max()), QVariant(qint64(-1)),
-                     QVariant(std::numeric_limits<qint64>::max())},
-        {QVariant(qint64(-1)), QVariant(std::numeric_limits<qint64>::max()),
-            QVariant(std::numeric_limits<quint64>::max())});
-    expectSorted({QVariant(qint64(9007199254740993)), QVariant(qint64(9007199254740992))},
-        {QVariant(qint64(9007199254740992)), QVariant(qint64(9007199254740993))});
-}
-
-TEST(SortVariantArray, TextComparesByCodeUnits)
-{
-    expectSorted({QVariant(u"b"_s), QVariant(u"B"_s), QVariant(u"a"_s), QVariant(u"A"_s),
-                     QVariant(u"\u00e9"_s), QVariant(u"z"_s)},
-        {QVariant(u"A"_s), QVariant(u"B"_s), QVariant(u"a"_s), QVariant(u"b"_s), QVariant(u"z"_s),
-            QVariant(u"\u00e9"_s)});
-    // Numeric-looking strings stay strings.
-    expectSorted({QVariant(u"9"_s), QVariant(u"10"_s)}, {QVariant(u"10"_s), QVariant(u"9"_s)});
-    expectSorted(
-        {QVariant(u"b"_s), QVariant(), QVariant(u"a"_s)}, {QVariant(), QVariant(u"a"_s), QVariant(u"b"_s)});
-}
-
-TEST(SortVariantArray, MixedPairsCompareTheirTexts)
-{
-    expectSorted({QVariant(u"9"_s), QVariant(10)}, {QVariant(10), QVariant(u"9"_s)});
-    expectSorted({QVariant(10), QVariant(u"9"_s)}, {QVariant(10), QVariant(u"9"_s)});
-    expectSorted({QVariant(u"apple"_s), QVariant(2.5), QVariant(true)},
-        {QVariant(2.5), QVariant(u"apple"_s), QVariant(true)});
-}
-
-TEST(SortVariantArray, EqualItemsKeepTheirOrder)
-{
-    expectSorted({QVariant(1.0), QVariant(1), QVariant(1u), QVariant(qint64(1))},
-        {QVariant(1.0), QVariant(1), QVariant(1u), QVariant(qint64(1))});
-    expectSorted(
-        {QVariant(u"5"_s), QVariant(5), QVariant(u"4"_s)}, {QVariant(u"4"_s), QVariant(u"5"_s), QVariant(5)});
-    expectSorted({QVariant(2), QVariant(1.0), QVariant(2.0), QVariant(1)},
-        {QVariant(1.0), QVariant(1), QVariant(2), QVariant(2.0)});
+    constexpr quint64 kTopU64 = std::numeric_limits<quint64>::max();
+    constexpr qint64 kTopI64 = std::numeric_limits<qint64>::max();
+    // Each input and the order its items must end up in, as indices into it.
+    const std::pair<QVariantList, std::vector<int>> cases[]
+        = {{{}, {}}, {{5}, {0}}, {{2, 1}, {1, 0}}, {{3, 1, 2}, {1, 2, 0}}, {{10, 9, 100}, {1, 0, 2}},
+            {{2.5, 2, qint64(-1), 3u, true, false}, {2, 5, 4, 1, 0, 3}},
+            // 64-bit integers compare exactly, also across signedness.
+            {{kTopU64, qint64(-1), kTopI64}, {1, 2, 0}},
+            {{qint64(9007199254740993), qint64(9007199254740992)}, {1, 0}},
+            // Text by code units; numeric-looking strings stay strings; invalid reads as "".
+            {{u"b"_s, u"B"_s, u"a"_s, u"A"_s, u"\u00e9"_s, u"z"_s}, {3, 1, 2, 0, 5, 4}},
+            {{u"9"_s, u"10"_s}, {1, 0}}, {{u"b"_s, QVariant(), u"a"_s}, {1, 2, 0}},
+            // A number and a text compare as texts.
+            {{u"9"_s, 10}, {1, 0}}, {{10, u"9"_s}, {0, 1}}, {{u"apple"_s, 2.5, true}, {1, 0, 2}},
+            // Equal items keep their order.
+            {{1.0, 1, 1u, qint64(1)}, {0, 1, 2, 3}}, {{u"5"_s, 5, u"4"_s}, {2, 0, 1}},
+            {{2, 1.0, 2.0, 1}, {1, 3, 0, 2}}};
+    for (const auto &[input, order] : cases) {
+        QVariantList expected;
+        for (const int i : order)
+            expected.append(input[i]);
+        expectSorted(input, expected);
+    }
 }
 
 TEST(SortVariantArray, SortedAndReversedRuns)
@@ -133,52 +108,34 @@ void expectQuickSortMatchesStdSort(QStringList list, const char *what)
     EXPECT_TRUE(list == expected) << what;
 }
 
-TEST(SortQuickSortStrings, SmallTables)
+QStringList words(const char *text)
 {
-    QStringList list {u"b"_s, u"a"_s, u"c"_s};
-    QuickSortStrings(list, 0, 2);
-    EXPECT_EQ(joined(list), joined(QStringList({u"a"_s, u"b"_s, u"c"_s})));
-
-    list = {u"b"_s, u"B"_s, u"a"_s, u"A"_s, u"\u00e9"_s, u"z"_s, u""_s, u"ab"_s};
-    QuickSortStrings(list, 0, list.size() - 1);
-    EXPECT_EQ(joined(list),
-        joined(QStringList({u""_s, u"A"_s, u"B"_s, u"a"_s, u"ab"_s, u"b"_s, u"z"_s, u"\u00e9"_s})));
-
-    list = {u"x"_s, u"x"_s, u"x"_s};
-    QuickSortStrings(list, 0, 2);
-    EXPECT_EQ(joined(list), joined(QStringList({u"x"_s, u"x"_s, u"x"_s})));
+    return QString::fromUtf8(text).split(u' ', Qt::SkipEmptyParts);
 }
 
-TEST(SortQuickSortStrings, SortsOnlyTheGivenRange)
+TEST(SortQuickSortStrings, SortsTheClampedRangeByCodeUnits)
 {
-    QStringList list {u"d"_s, u"c"_s, u"b"_s, u"a"_s};
-    QuickSortStrings(list, 1, 2);
-    EXPECT_EQ(joined(list), joined(QStringList({u"d"_s, u"b"_s, u"c"_s, u"a"_s})));
-}
-
-TEST(SortQuickSortStrings, OutOfRangeBoundsAreClampedOrIgnored)
-{
-    const QStringList reversed {u"d"_s, u"c"_s, u"b"_s, u"a"_s};
-    QStringList list = reversed;
-    QuickSortStrings(list, -5, 100);
-    EXPECT_EQ(joined(list), joined(QStringList({u"a"_s, u"b"_s, u"c"_s, u"d"_s})));
-
-    list = reversed;
-    QuickSortStrings(list, 3, 1);
-    EXPECT_EQ(joined(list), joined(reversed));
-    QuickSortStrings(list, 2, 2);
-    EXPECT_EQ(joined(list), joined(reversed));
-    QuickSortStrings(list, 10, 20);
-    EXPECT_EQ(joined(list), joined(reversed));
-    QuickSortStrings(list, -20, -10);
-    EXPECT_EQ(joined(list), joined(reversed));
-    QuickSortStrings(list, std::numeric_limits<qsizetype>::min(), std::numeric_limits<qsizetype>::max());
-    EXPECT_EQ(joined(list), joined(QStringList({u"a"_s, u"b"_s, u"c"_s, u"d"_s})));
-
-    QStringList empty;
-    QuickSortStrings(empty, 0, -1);
-    QuickSortStrings(empty, 0, 10);
-    EXPECT_TRUE(empty.isEmpty());
+    constexpr qsizetype kMin = std::numeric_limits<qsizetype>::min();
+    constexpr qsizetype kMax = std::numeric_limits<qsizetype>::max();
+    const struct
+    {
+        QStringList input;
+        qsizetype first, last;
+        QStringList expected;
+    } cases[] = {{words("b a c"), 0, 2, words("a b c")},
+        {{u"b"_s, u"B"_s, u"a"_s, u"A"_s, u"\u00e9"_s, u"z"_s, u""_s, u"ab"_s}, 0, 7,
+            {u""_s, u"A"_s, u"B"_s, u"a"_s, u"ab"_s, u"b"_s, u"z"_s, u"\u00e9"_s}},
+        {words("x x x"), 0, 2, words("x x x")}, {words("d c b a"), 1, 2, words("d b c a")},
+        // Bounds outside the list are clamped; an empty or inverted range does nothing.
+        {words("d c b a"), -5, 100, words("a b c d")}, {words("d c b a"), kMin, kMax, words("a b c d")},
+        {words("d c b a"), 3, 1, words("d c b a")}, {words("d c b a"), 2, 2, words("d c b a")},
+        {words("d c b a"), 10, 20, words("d c b a")}, {words("d c b a"), -20, -10, words("d c b a")},
+        {{}, 0, -1, {}}, {{}, 0, 10, {}}};
+    for (const auto &c : cases) {
+        QStringList list = c.input;
+        QuickSortStrings(list, c.first, c.last);
+        EXPECT_EQ(joined(list), joined(c.expected)) << joined(c.input) << " " << c.first << ".." << c.last;
+    }
 }
 
 QString numbered(int value)
