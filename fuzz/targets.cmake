@@ -16,6 +16,7 @@ target_sources(fuzz_lzx_roundtrip PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/ms
 target_include_directories(fuzz_lzx_roundtrip PRIVATE ${PROJECT_SOURCE_DIR}/tests)
 qb_add_fuzzer(fuzz_cab_reader DEPS qb_cabinet)
 qb_add_fuzzer(fuzz_console_scan DEPS qb_engine)
+qb_add_fuzzer(fuzz_media_probe DEPS qb_engine)
 qb_add_fuzzer(fuzz_command_line DEPS qb_engine)
 qb_add_fuzzer(fuzz_instance_request DEPS qb_instance)
 qb_add_fuzzer(fuzz_mszip_roundtrip DEPS qb_cabmaker PkgConfig::MSPACK)

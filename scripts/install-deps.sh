@@ -14,6 +14,8 @@ packages=(
   libwim-dev
   # outside oracles called by the tests
   cabextract 7zip gcab ffmpeg libarchive-tools
+  # the media engine detects and drives these tools in its tests
+  mencoder x264 mkvtoolnix
   # the desktop program's end-to-end test: a virtual X display, typed keys
   xvfb xauth xdotool
   # the user interface is Chinese

@@ -2,6 +2,7 @@
 #include "cli/cli.h"
 
 #include "cli/cab_command.h"
+#include "cli/media_command.h"
 
 #include "host/find_file.h"
 #include "util/file_names.h"
@@ -40,6 +41,10 @@ const char *const kUsageText
       "  cab create CABINET PATH... [--compression none|mszip|lzx] [--memory 15..21] [--level 1..9]\n"
       "                        pack files and folders (a folder's files relative to it) as the\n"
       "                        desktop program does; default LZX with a 2 MiB window\n"
+      "  media tools [PATH...]  name each tool (default: ffmpeg, mencoder, x264, mkvmerge on the PATH),\n"
+      "                        its version and, for the encoder, what it can write\n"
+      "  media probe FILE... [--json] [--core PATH]\n"
+      "                        the streams of media files and a one-line summary\n"
       "  help                   this text\n";
 
 struct Context
@@ -153,6 +158,7 @@ int RunQuillbox(const QStringList &arguments, QTextStream &out, QTextStream &err
         {QStringLiteral("size"), size},
         {QStringLiteral("text-format"), textFormat},
         {QStringLiteral("cab"), [](Context &c) { return RunCabCommand(c.args, c.out, c.err); }},
+        {QStringLiteral("media"), [](Context &c) { return RunMediaCommand(c.args, c.out, c.err); }},
     };
     Context context {arguments.mid(1), out, err};
     if (arguments.isEmpty())

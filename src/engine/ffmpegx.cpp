@@ -55,9 +55,10 @@ void FFmpegX::setFileName(const QString &value)
     m_startTime.clear();
     m_endTime.clear();
     m_streamInfo.clear();
+    m_fileSummary.clear();
     Video.DefaultVideoStream.clear();
     Video.DefaultAudioStream.clear();
-    Video.DefaultSubtitleStream.clear();
+    Subtitle.DefaultSubtitleStream.clear();
     // A drive (a name ending in ":") is read by the tool itself and has nothing to probe.
     if (!m_fileName.endsWith(u':'))
         m_streamInfo = GetStreamInfo(m_fileName);
@@ -75,15 +76,6 @@ void FFmpegX::setOutputDir(const QString &value)
     raiseStatus(kSettingChanged, m_outputDir);
 }
 
-void FFmpegX::setCore(const QString &path)
-{
-    if (!QFileInfo(path).isFile()) {
-        CoreState.CoreStatus = 0;
-        return;
-    }
-    m_core = path;
-}
-
 void FFmpegX::setJobComposer(JobComposer composer)
 {
     m_composer = [this, composer = std::move(composer)](
@@ -92,8 +84,9 @@ void FFmpegX::setJobComposer(JobComposer composer)
 
 JobSettings FFmpegX::Settings() const
 {
-    return {m_fileName, m_fileInfo, m_outputDir, m_core, m_tempBase, FileOutput, Job, CoreState, Video, AVS,
-        Image};
+    return {m_fileName, m_fileInfo, m_outputDir, m_core, m_tempBase, m_duration, m_source, FileOutput, Job,
+        CoreState, Video, Audio, Subtitle, AVS, AVFilter, AVFilterVideoWatermark, AVFilterVideoSubtitle, Menc,
+        MetaData, x264, Image, ImageWatermark};
 }
 
 QString FFmpegX::GetStatusString(int Status)

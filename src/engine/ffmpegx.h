@@ -8,12 +8,15 @@
 #include "engine/engine_properties.h"
 #include "engine/engine_texts.h"
 #include "engine/job_settings.h"
+#include "engine/stream_probe.h"
 #include "engine/tool_command.h"
 
 #include <QObject>
+#include <QSettings>
 #include <QString>
 #include <QTime>
 #include <QTimer>
+#include <QVariantMap>
 
 #include <array>
 #include <functional>
@@ -47,10 +50,11 @@ class FFmpegX : public QObject
     Q_PROPERTY(bool Refresh READ Refresh WRITE setRefresh)
     Q_PROPERTY(bool Log READ Log WRITE setLog)
     Q_PROPERTY(int priority READ priority WRITE setpriority)
+    // The tool before the source, so that a restored source is probed with the restored tool.
+    Q_PROPERTY(QString Core READ Core WRITE setCore)
     Q_PROPERTY(QString FileName READ FileName WRITE setFileName)
     Q_PROPERTY(QString FileInfo READ FileInfo)
     Q_PROPERTY(QString OutputDir READ OutputDir WRITE setOutputDir)
-    Q_PROPERTY(QString Core READ Core WRITE setCore)
     Q_PROPERTY(QString GetWindowsBaseDirectory READ GetWindowsBaseDirectory STORED false)
     Q_PROPERTY(QString GetWindowsSystemDirectory READ GetWindowsSystemDirectory STORED false)
     Q_PROPERTY(QString GetWindowsTempDirectory READ GetWindowsTempDirectory STORED false)
@@ -68,6 +72,25 @@ public:
     AVSFamily AVS;
     ImageGrabberFamily ImageGrabber;
     ImageFamily Image;
+    StringChineseFamily StringChinese;
+    ImageWatermarkFamily ImageWatermark;
+    AVFilterVideoWatermarkFamily AVFilterVideoWatermark;
+    AVFilterVideoSubtitleFamily AVFilterVideoSubtitle;
+    AVFilterFamily AVFilter;
+    MencFamily Menc;
+    SubtitleFamily Subtitle;
+    MetaDataFamily MetaData;
+    x264Family x264;
+    AudioFamily Audio;
+
+    // The property bag: every stored property, the object's own and its families', flat under its
+    // name. Reading takes what the bag has and what converts to the property's type; the rest keep
+    // their values. The own properties go through their setters, and only when they change.
+    void WriteProperties(QVariantMap &bag) const;
+    void ReadProperties(const QVariantMap &bag);
+    // The same in the settings' current group.
+    void WriteProperties(QSettings &settings) const;
+    void ReadProperties(const QSettings &settings);
 
     // Job state.
     bool Processing() const { return m_processing; }
@@ -109,12 +132,23 @@ public:
     // The job's source. A "|"-joined list keeps all of it in FileInfo; its first entry is FileName.
     QString FileName() const { return m_fileName; }
     void setFileName(const QString &value);
-    QString FileInfo() const { return m_fileInfo; }
+    // After a probe, its one-line summary; otherwise the value FileName was given.
+    QString FileInfo() const { return m_fileSummary.isEmpty() ? m_fileInfo : m_fileSummary; }
     QString OutputDir() const { return m_outputDir; }
     void setOutputDir(const QString &value);
     // The tool; a name that is no file leaves the old one in place.
     QString Core() const { return m_core; }
     void setCore(const QString &path);
+
+    // Knowing the tool and the source. Each runs a tool briefly and waits for it within bounds;
+    // none runs while a job does.
+    // All the tool printed for Args (its banner without); "" while a job runs.
+    QString GetCoreVersion(const QString &Exe, const QString &Args);
+    // Probes a source: fills the stream fields and FileInfo, returns the stream text and summary.
+    QString GetStreamInfo(const QString &FileName);
+    QString GetStreamNumber(const QString &Text) const;
+    // "crop=W:H:X:Y" for the black borders of a video, or "".
+    QString GetVideoScreenCropInfo(const QString &FileName);
 
     // The name of a status code; "" for 10, 11 and anything above 9.
     static QString GetStatusString(int Status);
@@ -232,8 +266,13 @@ private:
     void closeRun();
     void decideEnd();
 
+    // The tool's kind, version and capabilities from its banner.
+    void detectCore(const QString &banner);
+    void ReadCoreCapabilities(const QString &separator);
+    // The probe's findings into the public fields.
+    void publishFacts(const StreamFacts &facts);
+
     // Hooks of the later parts of the engine.
-    QString GetStreamInfo(const QString &fileName);
     bool ImageConversion(const QStringList &files, const QString &output, const QString &format);
     bool Screenshot(const QString &source, const QString &output, int width, int height, double seconds);
     bool WriteContactSheet(const QString &source, const QString &output);
@@ -249,6 +288,8 @@ private:
     QString m_endTime;
     double m_duration = 0;
     QString m_streamInfo;
+    StreamFacts m_source; // what the last probe found, the private source fields included
+    QString m_fileSummary;
     int m_statusRefreshInterval = 500;
     bool m_subclassEnabled = false;
     bool m_allowRaiseEvent = true;

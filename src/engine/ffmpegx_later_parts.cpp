@@ -1,16 +1,10 @@
-// Steps of a job that belong to later parts of the engine: probing the source, converting
-// pictures, grabbing frames and contact sheets. Until those parts are built each reports that it
+// Steps of a job that belong to later parts of the engine: converting pictures, grabbing frames
+// and contact sheets. Until those parts are built each reports that it
 // made nothing, so a job that needs one ends with the error its caller raises for a missing
 // result, never with a false success.
 #include "engine/ffmpegx.h"
 
 namespace qb::engine {
-
-QString FFmpegX::GetStreamInfo(const QString &fileName)
-{
-    Q_UNUSED(fileName);
-    return {};
-}
 
 bool FFmpegX::ImageConversion(const QStringList &files, const QString &output, const QString &format)
 {

@@ -5,6 +5,7 @@
 #include "engine/ffmpegx_round.h"
 #include "engine/job_progress.h"
 #include "engine/status_codes.h"
+#include "engine/stream_probe.h"
 #include "engine/tool_run.h"
 #include "engine/wait_for_tool.h"
 #include "util/code_page.h"
@@ -192,13 +193,7 @@ QString FFmpegX::startOutputFileName() const
 
 bool FFmpegX::sourceIsSupportedImage() const
 {
-    const QString suffix = QFileInfo(m_fileName).suffix().toLower();
-    if (suffix.isEmpty())
-        return false;
-    const QStringList patterns = Image.ImageSuffixSupported.toLower().split(u';', Qt::SkipEmptyParts);
-    const QString wanted = QStringLiteral("*.") + suffix;
-    return std::any_of(
-        patterns.cbegin(), patterns.cend(), [&](const QString &p) { return p.trimmed() == wanted; });
+    return HasListedSuffix(m_fileName, Image.ImageSuffixSupported);
 }
 
 FFmpegX::~FFmpegX()

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/engine_properties.h"
+#include "engine/stream_probe.h"
 #include "engine/tool_command.h"
 
 #include <functional>
@@ -16,12 +17,23 @@ struct JobSettings
     QString OutputDir;
     QString Core; // the tool's path
     QString TempBase; // the job's temporary base name; its siblings carry extensions
+    double Duration = 0; // seconds, from the last probe
+    StreamFacts Source; // what the last probe found of the source
     FileOutputFamily FileOutput;
     JobFamily Job;
     CoreFamily CoreState;
     VideoFamily Video;
+    AudioFamily Audio;
+    SubtitleFamily Subtitle;
     AVSFamily AVS;
+    AVFilterFamily AVFilter;
+    AVFilterVideoWatermarkFamily AVFilterVideoWatermark;
+    AVFilterVideoSubtitleFamily AVFilterVideoSubtitle;
+    MencFamily Menc;
+    MetaDataFamily MetaData;
+    x264Family x264;
     ImageFamily Image;
+    ImageWatermarkFamily ImageWatermark;
 };
 
 // Turns a job into the command for a pass (0 single, 1 and 2 of a two-pass run).

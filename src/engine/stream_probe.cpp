@@ -13,6 +13,7 @@
 #include <QJsonObject>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace qb::engine {
@@ -154,6 +155,16 @@ void nameContainer(const QString &text, StreamFacts &facts)
 }
 
 } // namespace
+
+bool HasListedSuffix(const QString &fileName, const QString &patterns)
+{
+    const QString suffix = QFileInfo(fileName).suffix().toLower();
+    if (suffix.isEmpty())
+        return false;
+    const QString wanted = QStringLiteral("*.") + suffix;
+    const QStringList list = patterns.toLower().split(u';', Qt::SkipEmptyParts);
+    return std::any_of(list.cbegin(), list.cend(), [&](const QString &p) { return p.trimmed() == wanted; });
+}
 
 QString GetStreamNumber(const QString &Text)
 {

@@ -34,6 +34,9 @@ struct StreamFacts
     QString streamText; // the stream and title lines, one per line
 };
 
+// True when the file's extension is one of a ";"-separated list of "*.ext" patterns (any case).
+bool HasListedSuffix(const QString &fileName, const QString &patterns);
+
 // The number of a stream from its line ("Stream#0:1(eng):Audio:..." gives "0:1"); the container's
 // stream id in square brackets goes with the language tag.
 QString GetStreamNumber(const QString &Text);

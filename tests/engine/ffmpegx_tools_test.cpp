@@ -57,7 +57,7 @@ TEST(RealTools, FFmpegReportsProgressAndCompletes)
 TEST(RealTools, CabinetMakerRunsToAHundredPercent)
 {
     TempTree tree;
-    // A megabyte of word-like text per file, so that the maker reports as it goes, a line
+    // Several megabytes of word-like text per file, so that the maker reports as it goes, a line
     // about every tenth of a second: the runner reads each line as a chunk of its own.
     QRandomGenerator random(11);
     const QStringList words {u"cabinet"_s, u"folder"_s, u"stream"_s, u"block"_s, u"window"_s, u"match"_s};
@@ -67,7 +67,7 @@ TEST(RealTools, CabinetMakerRunsToAHundredPercent)
         u".Set InfFileName=NUL"_s};
     for (int f = 0; f < 4; ++f) {
         QByteArray text;
-        while (text.size() < 1024 * 1024)
+        while (text.size() < 3 * 1024 * 1024)
             text += words[random.bounded(words.size())].toUtf8() + (random.bounded(9) == 0 ? "\n" : " ");
         const QString file = tree.writeFile(u"src/part %1.txt"_s.arg(f), text);
         directive.append(u"\"%1\" \"part %2.txt\""_s.arg(file).arg(f));

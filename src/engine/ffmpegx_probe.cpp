@@ -1,0 +1,220 @@
+// Knowing the tool and the source: the tool's banner and listings, the probe of a source, its
+// black borders. Each is a short run of a tool through a bounded wait; the readers are pure.
+#include "engine/capability_reader.h"
+#include "engine/command_line.h"
+#include "engine/ffmpegx.h"
+#include "engine/stream_probe.h"
+#include "engine/tool_catalogue.h"
+#include "engine/wait_for_tool.h"
+#include "util/file_names.h"
+#include "util/process_priority.h"
+#include "util/size_format.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QStandardPaths>
+
+namespace qb::engine {
+
+namespace {
+
+// A banner, a listing or a probe is short; a tool that talks longer is ended.
+constexpr WaitBounds kShortRun {20000, qint64(8) << 20};
+
+QString fixed(const char16_t *text)
+{
+    return QString::fromUtf16(text);
+}
+
+// The player tool that answers for the media graph: beside the encoder, else on the path.
+QString playerTool(const QString &core)
+{
+    const QString beside = QFileInfo(core).absoluteDir().filePath(QStringLiteral("ffprobe"));
+    if (!core.isEmpty() && QFileInfo(beside).isExecutable())
+        return beside;
+    return QStandardPaths::findExecutable(QStringLiteral("ffprobe"));
+}
+
+std::optional<MediaGraphFacts> askMediaGraph(const QString &core, const QString &fileName)
+{
+    const QString player = playerTool(core);
+    if (player.isEmpty())
+        return std::nullopt;
+    const ToolLaunch launch {player,
+        {QStringLiteral("-v"), QStringLiteral("quiet"), QStringLiteral("-print_format"),
+            QStringLiteral("json"), QStringLiteral("-show_entries"),
+            QStringLiteral("format=duration:stream=codec_type,width,height,avg_frame_rate"),
+            QStringLiteral("--"), fileName},
+        false};
+    const WaitedRun run = WaitForTool(launch, kShortRun, ToolRun::Output::Read, util::kPriorityIdle);
+    if (!run.endedInTime)
+        return std::nullopt;
+    return ReadMediaGraphAnswer(run.output);
+}
+
+} // namespace
+
+QString FFmpegX::GetCoreVersion(const QString &Exe, const QString &Args)
+{
+    if (m_processing)
+        return {};
+    QString command = u'"' + Exe + u'"';
+    if (!Args.isEmpty())
+        command += u' ' + Args;
+    return WaitForTool(PlanToolLaunch(command), kShortRun, ToolRun::Output::Read, util::kPriorityIdle).output;
+}
+
+void FFmpegX::setCore(const QString &path)
+{
+    if (!QFileInfo(path).isFile()) {
+        CoreState.CoreStatus = 0;
+        CoreState.CoreName.clear();
+        CoreState.CoreVersion.clear();
+        return;
+    }
+    CoreState.CoreEnabled.clear();
+    CoreState.CoreDisabled.clear();
+    m_core = path;
+    detectCore(GetCoreVersion(path, QString()));
+}
+
+void FFmpegX::detectCore(const QString &banner)
+{
+    const ToolKind *kind = IdentifyTool(banner);
+    CoreState.CoreStatus = kind ? kind->status : 0;
+    CoreState.CoreName = kind ? fixed(kind->name) : QString();
+    CoreState.CoreFormats = kind ? fixed(kind->formats) : QString();
+    CoreState.CoreVideoCodec = kind ? fixed(kind->videoCodecs) : QString();
+    CoreState.CoreAudioCodec = kind ? fixed(kind->audioCodecs) : QString();
+    CoreState.CoreFilters.clear();
+    CoreState.CorePixelformats.clear();
+    Subtitle.CoreSubtitleCodec.clear();
+    if (!kind) {
+        CoreState.CoreVersion.clear();
+        return;
+    }
+    const QString versionText
+        = kind->versionArguments ? GetCoreVersion(m_core, fixed(kind->versionArguments)) : banner;
+    CoreState.CoreVersion = CutToolVersion(*kind, versionText);
+    if (kind->status == 1) {
+        CoreState.CoreEnabled = ConfigureSwitches(banner, QStringLiteral("enable"));
+        CoreState.CoreDisabled = ConfigureSwitches(banner, QStringLiteral("disable"));
+        ReadCoreCapabilities(QStringLiteral("|"));
+    }
+}
+
+void FFmpegX::ReadCoreCapabilities(const QString &separator)
+{
+    if (m_processing)
+        return;
+    // Today's tool answers for its encoders; an older one does not know the listing.
+    const ListingGeneration *generation = &TodaysListings();
+    QString listings;
+    for (const char16_t *arguments : generation->arguments)
+        listings += GetCoreVersion(m_core, fixed(arguments));
+    if (!listings.contains(QStringLiteral("Encoders:"))) {
+        generation = &LegacyListings();
+        listings.clear();
+        for (const char16_t *arguments : generation->arguments)
+            listings += GetCoreVersion(m_core, fixed(arguments));
+    }
+    const Capabilities caps = ReadCapabilities(listings, *generation, separator);
+    CoreState.CoreFormats = caps.CoreFormats;
+    CoreState.CoreVideoCodec = caps.CoreVideoCodec;
+    CoreState.CoreAudioCodec = caps.CoreAudioCodec;
+    Subtitle.CoreSubtitleCodec = caps.CoreSubtitleCodec;
+    CoreState.CoreFilters = caps.CoreFilters;
+    CoreState.CorePixelformats = caps.CorePixelformats;
+}
+
+QString FFmpegX::GetStreamInfo(const QString &FileName)
+{
+    StreamFacts facts = FreshFacts(FileName);
+    // The default streams are set only when empty; the source's setter clears them.
+    facts.DefaultVideoStream = Video.DefaultVideoStream;
+    facts.DefaultAudioStream = Video.DefaultAudioStream;
+    facts.DefaultSubtitleStream = Subtitle.DefaultSubtitleStream;
+    m_fileSummary.clear();
+    publishFacts(facts);
+    if (!util::FileExists(FileName))
+        return {};
+
+    const bool image = HasListedSuffix(FileName, Image.ImageSuffixSupported);
+    if (image || HasListedSuffix(FileName, Subtitle.SubtitleSuffixSupported)) {
+        // Pictures and subtitles are known by their names; no tool runs.
+        facts.SourceVideoCodec = facts.SourceSuffix;
+        const QSize size = image ? QImageReader(FileName).size() : QSize();
+        facts.VideoWidth = std::max(0, size.width());
+        facts.VideoHeight = std::max(0, size.height());
+        facts.VideoStreamInfo = image ? QStringLiteral("Stream#0.0:Image:%1,%2x%3")
+                                            .arg(facts.SourceVideoCodec)
+                                            .arg(facts.VideoWidth)
+                                            .arg(facts.VideoHeight)
+                                      : QStringLiteral("Stream#0.0:Subtitle:") + facts.SourceVideoCodec;
+        facts.VideoStreamCount = 1;
+    } else {
+        if (QFileInfo(m_core).isFile())
+            ReadProbeText(GetCoreVersion(m_core, QStringLiteral("-i ") + QuoteArgument(FileName)), facts);
+        if (const std::optional<MediaGraphFacts> graph = askMediaGraph(m_core, FileName))
+            ApplyMediaGraph(*graph, facts);
+        const double range = Job.TimeEndPoint - Job.TimeStartPoint;
+        if (range > 0 && range < m_scan.Max)
+            m_scan.Max = range;
+    }
+    m_fileSummary = SummaryFileInfo(facts, util::CheckFileSize(FileName, true));
+    publishFacts(facts);
+    if (m_allowRaiseEvent)
+        Q_EMIT FileInfoChange();
+    return facts.streamText + QStringLiteral("\r\n\r\n") + m_fileSummary;
+}
+
+void FFmpegX::publishFacts(const StreamFacts &facts)
+{
+    m_source = facts;
+    m_duration = facts.Duration;
+    Video.VideoWidth = facts.VideoWidth;
+    Video.VideoHeight = facts.VideoHeight;
+    Video.VideoStreamInfo = facts.VideoStreamInfo;
+    Video.VideoStreamCount = facts.VideoStreamCount;
+    Video.DefaultVideoStream = facts.DefaultVideoStream;
+    Video.DefaultAudioStream = facts.DefaultAudioStream;
+    Audio.AudioStreamInfo = facts.AudioStreamInfo;
+    Audio.AudioStreamCount = facts.AudioStreamCount;
+    Subtitle.SubtitleStreamInfo = facts.SubtitleStreamInfo;
+    Subtitle.SubtitleStreamCount = facts.SubtitleStreamCount;
+    Subtitle.DefaultSubtitleStream = facts.DefaultSubtitleStream;
+    FileOutput.SourceFormat = facts.SourceFormat;
+    FileOutput.SourceSuffix = facts.SourceSuffix;
+}
+
+QString FFmpegX::GetStreamNumber(const QString &Text) const
+{
+    return qb::engine::GetStreamNumber(Text);
+}
+
+QString FFmpegX::GetVideoScreenCropInfo(const QString &FileName)
+{
+    if (!util::FileExists(FileName) || !QFileInfo(m_core).isFile() || m_processing)
+        return {};
+    if (m_tempBase.isEmpty() || !QFileInfo::exists(m_tempBase))
+        m_tempBase = util::CreateTempFile(util::GetWindowsTempDirectory(), QStringLiteral("qbx"));
+    const std::optional<MediaGraphFacts> graph = askMediaGraph(m_core, FileName);
+    const int seek = CropSeekPoint(graph ? graph->duration : 0);
+    const QString output = m_tempBase + QStringLiteral(".avi");
+    // Today's filter takes limit, round and reset by position; seeking before the input looks at
+    // the one second wanted only.
+    const ToolLaunch launch {m_core,
+        {QStringLiteral("-hide_banner"), QStringLiteral("-nostats"), QStringLiteral("-y"),
+            QStringLiteral("-ss"), QString::number(seek), QStringLiteral("-i"), FileName,
+            QStringLiteral("-vf"), QStringLiteral("cropdetect=24:16:0"), QStringLiteral("-t"),
+            QStringLiteral("1"), output},
+        false};
+    const WaitedRun run = WaitForTool(launch, kShortRun, ToolRun::Output::Read, util::kPriorityIdle);
+    if (QFileInfo::exists(output))
+        QFile::remove(output);
+    return ReadCropDetection(run.output);
+}
+
+} // namespace qb::engine
