@@ -144,6 +144,9 @@ TEST_F(MediaProbe, EveryFieldAgreesWithThePlayerTool)
         if (!lastVideo.isEmpty() && !still) {
             EXPECT_TRUE(summary.contains(lastVideo.value(u"codec_name"_s).toString()))
                 << summary.toStdString();
+            const QStringList rate = lastVideo.value(u"avg_frame_rate"_s).toString().split(u'/');
+            const double fps = rate.value(0).toDouble() / rate.value(1).toDouble();
+            EXPECT_TRUE(summary.contains(u", "_s + QString::number(fps) + u"fps"_s)) << summary.toStdString();
         }
         if (!lastAudio.isEmpty()) {
             EXPECT_TRUE(summary.contains(lastAudio.value(u"codec_name"_s).toString() + u", "_s
