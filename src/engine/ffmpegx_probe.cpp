@@ -37,21 +37,23 @@ QString playerTool(const QString &core)
     return QStandardPaths::findExecutable(QStringLiteral("ffprobe"));
 }
 
-std::optional<MediaGraphFacts> askMediaGraph(const QString &core, const QString &fileName)
+// How the player tool is asked for length, size and rate; an empty program without one.
+ToolLaunch mediaGraphLaunch(const QString &core, const QString &fileName)
 {
     const QString player = playerTool(core);
     if (player.isEmpty())
-        return std::nullopt;
-    const ToolLaunch launch {player,
+        return {};
+    return {player,
         {QStringLiteral("-v"), QStringLiteral("quiet"), QStringLiteral("-print_format"),
             QStringLiteral("json"), QStringLiteral("-show_entries"),
             QStringLiteral("format=duration:stream=codec_type,width,height,avg_frame_rate"),
             QStringLiteral("--"), fileName},
         false};
-    const WaitedRun run = WaitForTool(launch, kShortRun, ToolRun::Output::Read, util::kPriorityIdle);
-    if (!run.endedInTime)
-        return std::nullopt;
-    return ReadMediaGraphAnswer(run.output);
+}
+
+std::optional<MediaGraphFacts> graphAnswer(const WaitedRun &run)
+{
+    return run.endedInTime ? ReadMediaGraphAnswer(run.output) : std::nullopt;
 }
 
 } // namespace
@@ -155,9 +157,16 @@ QString FFmpegX::GetStreamInfo(const QString &FileName)
                                       : QStringLiteral("Stream#0.0:Subtitle:") + facts.SourceVideoCodec;
         facts.VideoStreamCount = 1;
     } else {
-        if (QFileInfo(m_core).isFile())
-            ReadProbeText(GetCoreVersion(m_core, QStringLiteral("-i ") + QuoteArgument(FileName)), facts);
-        if (const std::optional<MediaGraphFacts> graph = askMediaGraph(m_core, FileName))
+        // The encoder's header and the player tool's answer are asked at once: each is a tool start.
+        std::vector<ToolLaunch> launches {mediaGraphLaunch(m_core, FileName)};
+        if (QFileInfo(m_core).isFile() && !m_processing)
+            launches.push_back(
+                PlanToolLaunch(u'"' + m_core + QStringLiteral("\" -i ") + QuoteArgument(FileName)));
+        const std::vector<WaitedRun> runs
+            = WaitForTools(launches, kShortRun, ToolRun::Output::Read, util::kPriorityIdle);
+        if (runs.size() > 1)
+            ReadProbeText(runs[1].output, facts);
+        if (const std::optional<MediaGraphFacts> graph = graphAnswer(runs[0]))
             ApplyMediaGraph(*graph, facts);
         const double range = Job.TimeEndPoint - Job.TimeStartPoint;
         if (range > 0 && range < m_scan.Max)
@@ -200,7 +209,8 @@ QString FFmpegX::GetVideoScreenCropInfo(const QString &FileName)
         return {};
     if (m_tempBase.isEmpty() || !QFileInfo::exists(m_tempBase))
         m_tempBase = util::CreateTempFile(util::GetWindowsTempDirectory(), QStringLiteral("qbx"));
-    const std::optional<MediaGraphFacts> graph = askMediaGraph(m_core, FileName);
+    const std::optional<MediaGraphFacts> graph = graphAnswer(WaitForTool(
+        mediaGraphLaunch(m_core, FileName), kShortRun, ToolRun::Output::Read, util::kPriorityIdle));
     const int seek = CropSeekPoint(graph ? graph->duration : 0);
     const QString output = m_tempBase + QStringLiteral(".avi");
     // Today's filter takes limit, round and reset by position; seeking before the input looks at

@@ -3,6 +3,9 @@
 
 #include <QDeadlineTimer>
 
+#include <algorithm>
+#include <memory>
+
 namespace qb::engine {
 
 namespace {
@@ -43,6 +46,57 @@ WaitedRun WaitForTool(const ToolLaunch &launch, const WaitBounds &bounds, ToolRu
         run.kill(kKillWaitMs);
     }
     return result;
+}
+
+std::vector<WaitedRun> WaitForTools(const std::vector<ToolLaunch> &launches, const WaitBounds &bounds,
+    ToolRun::Output output, int priorityClass)
+{
+    const QDeadlineTimer deadline(bounds.milliseconds);
+    std::vector<WaitedRun> results(launches.size());
+    std::vector<std::unique_ptr<ToolRun>> runs;
+    std::vector<qint64> bytes(launches.size(), 0);
+    for (size_t i = 0; i < launches.size(); ++i) {
+        runs.push_back(std::make_unique<ToolRun>(output));
+        results[i].started = runs[i]->start(launches[i], priorityClass);
+        if (results[i].started)
+            runs[i]->closeInput();
+    }
+    // Finished runs leave the loop; a run over its output bound counts as finished, unended.
+    std::vector<bool> done(launches.size());
+    for (size_t i = 0; i < launches.size(); ++i)
+        done[i] = !results[i].started;
+    for (;;) {
+        ToolRun *waitOn = nullptr;
+        for (size_t i = 0; i < runs.size(); ++i) {
+            if (done[i])
+                continue;
+            ToolRun &run = *runs[i];
+            while (run.hasOutput() && bytes[i] <= bounds.outputBytes) {
+                const QString piece = run.read();
+                bytes[i] += piece.toUtf8().size();
+                results[i].output += piece;
+            }
+            if (bytes[i] > bounds.outputBytes) {
+                done[i] = true;
+            } else if (run.ended() && !run.hasOutput()) {
+                results[i].endedInTime = true;
+                results[i].output += run.readRest();
+                results[i].exitCode = run.exitCode();
+                done[i] = true;
+            } else if (!waitOn) {
+                waitOn = &run;
+            }
+        }
+        if (!waitOn || deadline.hasExpired())
+            break;
+        // Short waits, so that no run's pipe fills while another is waited on.
+        waitOn->waitForActivity(int(std::clamp<qint64>(deadline.remainingTime(), 1, 10)));
+    }
+    for (size_t i = 0; i < runs.size(); ++i) {
+        if (results[i].started && !results[i].endedInTime)
+            runs[i]->kill(kKillWaitMs);
+    }
+    return results;
 }
 
 } // namespace qb::engine

@@ -6,6 +6,8 @@
 #include "engine/tool_run.h"
 #include "util/process_priority.h"
 
+#include <vector>
+
 namespace qb::engine {
 
 struct WaitBounds
@@ -26,5 +28,10 @@ struct WaitedRun
 WaitedRun WaitForTool(const ToolLaunch &launch, const WaitBounds &bounds,
     ToolRun::Output output = ToolRun::Output::Read, int priorityClass = util::kPriorityNormal,
     const QString &workingDir = {});
+
+// Runs several tools side by side (a probe asks two at once) and waits for all within the same
+// bounds, each output bounded on its own. The results are in the order of the launches.
+std::vector<WaitedRun> WaitForTools(const std::vector<ToolLaunch> &launches, const WaitBounds &bounds,
+    ToolRun::Output output = ToolRun::Output::Read, int priorityClass = util::kPriorityNormal);
 
 } // namespace qb::engine

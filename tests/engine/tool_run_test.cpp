@@ -190,6 +190,26 @@ TEST(WaitForTool, BoundsEndWhatOutlivesThem)
     EXPECT_TRUE(QTest::qWaitFor([&] { return ::kill(child, 0) != 0 && errno == ESRCH; }, 3000));
 }
 
+TEST(WaitForTool, ToolsSideBySideTakeTheTimeOfTheSlowest)
+{
+    const auto shell = [](const QString &script) {
+        return ToolLaunch {u"/bin/sh"_s, {u"-c"_s, script}, true};
+    };
+    QElapsedTimer clock;
+    clock.start();
+    const std::vector<WaitedRun> runs
+        = WaitForTools({shell(u"sleep 0.6; echo one"_s), shell(u"sleep 0.6; echo two"_s),
+                           shell(u"yes chatter"_s), {u"/nonexistent/tool"_s, {}, false}},
+            {5000, 64 << 10});
+    EXPECT_LT(clock.elapsed(), 1100); // not 1.2 s, the sum of the sleeps
+    ASSERT_EQ(runs.size(), 4u);
+    EXPECT_EQ(runs[0].output, u"one\n"_s);
+    EXPECT_EQ(runs[1].output, u"two\n"_s);
+    EXPECT_TRUE(runs[0].endedInTime && runs[1].endedInTime);
+    EXPECT_FALSE(runs[2].endedInTime); // ended by its output bound
+    EXPECT_FALSE(runs[3].started);
+}
+
 TEST(ChunkDecoder, CharactersCutByAnyReadSizeComeOutWhole)
 {
     const QByteArray text = QString(u"进度 50% – ok ✓ 𝄞 done\n"_s).repeated(20).toUtf8();
