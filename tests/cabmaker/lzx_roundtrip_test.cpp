@@ -1,17 +1,13 @@
 // LZX folders checked by outside decoders (cabextract, 7-Zip, libmspack) for every window and level.
 #include "cabmaker/lzx_encoder.h"
-#include "cabmaker/makecab_command.h"
 #include "sample_data.h"
 #include "support/mspack_memory.h"
 #include "support/temp_tree.h"
-#include "support/tool_run.h"
 #include "util/cab_format.h"
 
 #include <QFile>
 #include <QMap>
-#include <QProcess>
 #include <QRandomGenerator>
-#include <QTextStream>
 #include <gtest/gtest.h>
 
 #include <mspack.h>
@@ -51,39 +47,13 @@ constexpr Kind kAllKinds[]
     = {Kind::Text, Kind::Random, Kind::Zeros, Kind::OneByte, Kind::Period3, Kind::Period1000,
         Kind::LongMatches, Kind::X86, Kind::E8Run, Kind::Records, Kind::Dna, Kind::Alpha32, Kind::Mixed};
 
+// By the enum's order.
+const char *const kKindNames[] = {"text", "random", "zeros", "onebyte", "period3", "period1000", "longmatch",
+    "x86", "e8run", "records", "dna", "alpha32", "mixed", "windowedge"};
+
 const char *kindName(Kind kind)
 {
-    switch (kind) {
-    case Kind::Text:
-        return "text";
-    case Kind::Random:
-        return "random";
-    case Kind::Zeros:
-        return "zeros";
-    case Kind::OneByte:
-        return "onebyte";
-    case Kind::Period3:
-        return "period3";
-    case Kind::Period1000:
-        return "period1000";
-    case Kind::LongMatches:
-        return "longmatch";
-    case Kind::X86:
-        return "x86";
-    case Kind::E8Run:
-        return "e8run";
-    case Kind::Records:
-        return "records";
-    case Kind::Dna:
-        return "dna";
-    case Kind::Alpha32:
-        return "alpha32";
-    case Kind::Mixed:
-        return "mixed";
-    case Kind::WindowEdge:
-        return "windowedge";
-    }
-    return "?";
+    return kKindNames[size_t(kind)];
 }
 
 void appendLe32(QByteArray &bytes, quint32 value)
@@ -276,14 +246,7 @@ QString caseName(const Case &c)
 // ---------------------------------------------------------------------------------------------
 // Outside tools
 
-using qb::test::runTool;
-using qb::test::ToolResult;
-
-struct Entry
-{
-    QString name; // in the cabinet, "\"-separated
-    QByteArray bytes;
-};
+using qb::test::CabFile;
 
 // What a decoder gave back against what went in, in one line.
 std::string compareBytes(const QByteArray &got, const QByteArray &expected)
@@ -313,68 +276,24 @@ QList<quint16> folderTypes(const QByteArray &cabinet)
     return types;
 }
 
-// Runs makecab on a directive file that lists the entries with LZX settings; the cabinet's path.
-// level 0 leaves LZXLevel unset; with folderEach every entry gets a folder of its own.
-QString makeLzxCabinet(TempTree &tree, const QList<Entry> &entries, int window, int level, bool folderEach)
+// makecab builds the files into LZX folders; level 0 leaves LZXLevel unset, and with folderEach
+// every file gets a folder of its own. Returns the cabinet's path.
+QString makeLzxCabinet(TempTree &tree, QList<CabFile> files, int window, int level, bool folderEach)
 {
-    auto quoted = [](QString text) { return u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"'; };
-    QString directive = QStringLiteral(".Option EXPLICIT\r\n.Set CabinetNameTemplate=%1\r\n")
-                            .arg(quoted(tree.path(QStringLiteral("out/test.cab"))));
-    directive += QStringLiteral(".Set DiskDirectory1=\r\n.Set UniqueFiles=OFF\r\n");
-    directive += QStringLiteral(".Set InfFileName=NUL\r\n.Set RptFileName=NUL\r\n");
-    directive += QStringLiteral(".Set CompressionType=LZX\r\n.Set CompressionMemory=%1\r\n").arg(window);
+    QString settings = QStringLiteral(".Set CompressionType=LZX\r\n.Set CompressionMemory=%1").arg(window);
     if (level > 0)
-        directive += QStringLiteral(".Set LZXLevel=%1\r\n").arg(level);
-    for (qsizetype i = 0; i < entries.size(); ++i) {
-        if (folderEach && i > 0)
-            directive += QStringLiteral(".New Folder\r\n");
-        const QString source = tree.writeFile(QStringLiteral("src/%1.bin").arg(i), entries[i].bytes);
-        directive += quoted(source) + u' ' + quoted(entries[i].name) + QStringLiteral("\r\n");
-    }
-    tree.makeDir(QStringLiteral("out"));
-    tree.writeFile(QStringLiteral("test.ddf"), directive.toUtf8());
-
-    QString out;
-    QString err;
-    QTextStream outStream(&out);
-    QTextStream errStream(&err);
-    const int status = RunMakeCab(
-        {QStringLiteral("/F"), tree.path(QStringLiteral("test.ddf"))}, outStream, errStream, tree.root());
-    errStream.flush();
-    EXPECT_EQ(status, 0) << err.toStdString();
-    return tree.path(QStringLiteral("out/test.cab"));
+        settings += QStringLiteral("\r\n.Set LZXLevel=%1").arg(level);
+    for (qsizetype i = 1; folderEach && i < files.size(); ++i)
+        files[i].before = QStringLiteral(".New Folder");
+    return qb::test::BuildCabinet(tree, files, settings);
 }
 
 // cabextract and 7-Zip test and extract the cabinet, libmspack unpacks it in memory; every file
 // has to come back byte for byte from each.
-void verifyWithDecoders(TempTree &tree, const QString &cabinetPath, const QList<Entry> &entries)
+void verifyWithDecoders(TempTree &tree, const QString &cabinetPath, const QList<CabFile> &files)
 {
-    const ToolResult test = runTool(QStringLiteral("cabextract"), {QStringLiteral("-t"), cabinetPath});
-    EXPECT_EQ(test.exitCode, 0) << "cabextract -t: " << test.output.toStdString();
-    const ToolResult sevenTest = runTool(QStringLiteral("7zz"), {QStringLiteral("t"), cabinetPath});
-    EXPECT_EQ(sevenTest.exitCode, 0) << "7zz t: " << sevenTest.output.toStdString();
-    EXPECT_TRUE(sevenTest.output.contains(QStringLiteral("Everything is Ok")))
-        << sevenTest.output.toStdString();
-
-    for (const QString &tool : {QStringLiteral("cabextract"), QStringLiteral("7zz")}) {
-        const QString into = tree.makeDir(QStringLiteral("x-") + tool);
-        const ToolResult extract = tool == u"7zz"
-            ? runTool(
-                tool, {QStringLiteral("x"), QStringLiteral("-y"), QStringLiteral("-o") + into, cabinetPath})
-            : runTool(tool, {QStringLiteral("-q"), QStringLiteral("-d"), into, cabinetPath});
-        EXPECT_EQ(extract.exitCode, 0) << tool.toStdString() << ": " << extract.output.toStdString();
-        for (const Entry &entry : entries) {
-            const QString path = into + u'/' + QString(entry.name).replace(u'\\', u'/');
-            if (!QFile::exists(path)) {
-                ADD_FAILURE() << tool.toStdString() << ": " << entry.name.toStdString()
-                              << " was not extracted";
-                continue;
-            }
-            const std::string problem = compareBytes(qb::test::readAll(path), entry.bytes);
-            EXPECT_TRUE(problem.empty())
-                << tool.toStdString() << ": " << entry.name.toStdString() << ": " << problem;
-        }
-    }
+    qb::test::ExpectExtractorsAgree(cabinetPath, tree.root(), qb::test::Extracted(files),
+        {QStringLiteral("cabextract"), QStringLiteral("7zz")});
 
     const qb::test::UnpackResult unpacked = qb::test::UnpackWithMspack(qb::test::readAll(cabinetPath));
     EXPECT_EQ(unpacked.error, MSPACK_ERR_OK) << unpacked.describe().toStdString();
@@ -382,14 +301,14 @@ void verifyWithDecoders(TempTree &tree, const QString &cabinetPath, const QList<
     QMap<QByteArray, QByteArray> got;
     for (const qb::test::UnpackedFile &file : unpacked.files)
         got.insert(file.name, file.bytes);
-    for (const Entry &entry : entries) {
-        const auto it = got.constFind(entry.name.toUtf8());
+    for (const CabFile &file : files) {
+        const auto it = got.constFind(file.name.toUtf8());
         if (it == got.cend()) {
-            ADD_FAILURE() << "libmspack: " << entry.name.toStdString() << " is not in the cabinet";
+            ADD_FAILURE() << "libmspack: " << file.name.toStdString() << " is not in the cabinet";
             continue;
         }
-        const std::string problem = compareBytes(*it, entry.bytes);
-        EXPECT_TRUE(problem.empty()) << "libmspack: " << entry.name.toStdString() << ": " << problem;
+        const std::string problem = compareBytes(*it, file.bytes);
+        EXPECT_TRUE(problem.empty()) << "libmspack: " << file.name.toStdString() << ": " << problem;
     }
 }
 
@@ -473,7 +392,7 @@ TEST_P(LzxMakeCab, EveryDecoderGetsEveryFolderBack)
 {
     const MakeCabRow &row = GetParam();
     TempTree tree;
-    QList<Entry> entries;
+    QList<CabFile> entries;
     for (const Case &c : row.cases)
         entries.append({caseName(c), makeData(c.kind, c.size)});
     const QString cabinet = makeLzxCabinet(tree, entries, row.window, row.level, true);
@@ -483,7 +402,7 @@ TEST_P(LzxMakeCab, EveryDecoderGetsEveryFolderBack)
     const QList<quint16> types = folderTypes(qb::test::readAll(cabinet));
     // An empty file has no folder of its own: it joins its neighbour's.
     const auto withData
-        = std::count_if(entries.begin(), entries.end(), [](const Entry &e) { return !e.bytes.isEmpty(); });
+        = std::count_if(entries.begin(), entries.end(), [](const CabFile &e) { return !e.bytes.isEmpty(); });
     EXPECT_EQ(types.size(), withData);
     for (const quint16 type : types)
         EXPECT_EQ(type, qb::cab::lzxCompressionType(row.window));
@@ -516,7 +435,7 @@ class LzxManyFiles : public ::testing::TestWithParam<ManyFilesRow>
 TEST_P(LzxManyFiles, OneFolderOfThreeHundredFiles)
 {
     const ManyFilesRow &row = GetParam();
-    QList<Entry> entries;
+    QList<CabFile> entries;
     qint64 total = 0;
     for (int i = 0; i < 300; ++i) {
         const Kind kind = kAllKinds[size_t(i) % std::size(kAllKinds)];
@@ -799,15 +718,10 @@ TEST_P(LzxE8Translation, TranslatedIsSmallerAndBothDecode)
         GTEST_SKIP() << "no such input on this machine";
     const Packed on = compress(data, row.window, row.level, true);
     const Packed off = compress(data, row.window, row.level, false);
-    {
-        SCOPED_TRACE("translated");
-        checkBlockShape(on.blocks, data.size());
-        expectMspackRoundTrip(on.blocks, row.window, data);
-    }
-    {
-        SCOPED_TRACE("untranslated");
-        checkBlockShape(off.blocks, data.size());
-        expectMspackRoundTrip(off.blocks, row.window, data);
+    for (const Packed *packed : {&on, &off}) {
+        SCOPED_TRACE(packed == &on ? "translated" : "untranslated");
+        checkBlockShape(packed->blocks, data.size());
+        expectMspackRoundTrip(packed->blocks, row.window, data);
     }
     EXPECT_LT(on.payloadBytes, off.payloadBytes)
         << "translated " << on.payloadBytes << " bytes, untranslated " << off.payloadBytes;

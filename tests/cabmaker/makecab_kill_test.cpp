@@ -1,6 +1,5 @@
 // The makecab program killed part way leaves the target folder as it was, and a finished build
 // replaces the target in one step; run as a real process.
-#include "cabmaker/makecab_command.h"
 #include "cabmaker/pending_cabinet.h"
 
 #include "sample_data.h"
@@ -11,7 +10,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <QTextStream>
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -325,15 +323,10 @@ TEST_P(MakeCabReplace, FailurePartWayLeavesTheTargetFolderAsItWas)
     tree.writeFile(QStringLiteral("out/target.cab"), "old cabinet");
     if (GetParam())
         qputenv(kNamedTempVariable, "1");
-    QString out;
-    QString err;
-    QTextStream o(&out);
-    QTextStream e(&err);
-    const int status = qb::cabmaker::RunMakeCab({QStringLiteral("/F"), directive}, o, e, tree.root());
+    const qb::test::MakeCabRun run = qb::test::RunMakeCabIn({QStringLiteral("/F"), directive}, tree.root());
     qunsetenv(kNamedTempVariable);
-    e.flush();
-    EXPECT_EQ(status, 1);
-    EXPECT_TRUE(err.contains(QStringLiteral("larger than 2000000 bytes"))) << err.toStdString();
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.err.contains(QStringLiteral("larger than 2000000 bytes"))) << run.err.toStdString();
     EXPECT_EQ(listing(tree.path(QStringLiteral("out"))), "target.cab");
     EXPECT_EQ(qb::test::readAll(tree.path(QStringLiteral("out/target.cab"))), QByteArray("old cabinet"));
 }

@@ -1,9 +1,16 @@
-// Seeded data generators and a zlib inflater for the encoder tests.
+// Seeded data generators, a zlib inflater, and makecab runs judged by the outside tools.
 #include "sample_data.h"
 
+#include "cabmaker/makecab_command.h"
+#include "support/mspack_memory.h"
+#include "support/temp_tree.h"
+#include "support/tool_run.h"
+
 #include <QDir>
+#include <QDirIterator>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QTextStream>
 #include <gtest/gtest.h>
 #include <zlib.h>
 
@@ -122,6 +129,74 @@ int ExtractCabinet(const QString &tool, const QString &cabinet, const QString &i
     if (output)
         *output = QString::fromUtf8(process.readAll());
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+MakeCabRun RunMakeCabIn(const QStringList &args, const QString &folder)
+{
+    MakeCabRun run;
+    QTextStream out(&run.out);
+    QTextStream err(&run.err);
+    run.status = cabmaker::RunMakeCab(args, out, err, folder);
+    out.flush();
+    err.flush();
+    return run;
+}
+
+QString BuildCabinet(TempTree &tree, const QList<CabFile> &files, const QString &settings)
+{
+    const auto quoted = [](QString text) { return u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"'; };
+    QString directive = QStringLiteral(".Option EXPLICIT\r\n.Set CabinetNameTemplate=%1\r\n")
+                            .arg(quoted(tree.path(QStringLiteral("out/test.cab"))));
+    directive += QStringLiteral(".Set DiskDirectory1=\r\n.Set UniqueFiles=OFF\r\n");
+    directive += QStringLiteral(".Set InfFileName=NUL\r\n.Set RptFileName=NUL\r\n") + settings
+        + QStringLiteral("\r\n");
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        const QString source = tree.writeFile(QStringLiteral("src/%1.bin").arg(i), files[i].bytes);
+        if (!files[i].before.isEmpty())
+            directive += files[i].before + QStringLiteral("\r\n");
+        directive += quoted(source) + u' ' + quoted(files[i].name) + QStringLiteral("\r\n");
+    }
+    tree.makeDir(QStringLiteral("out"));
+    const QString ddf = tree.writeFile(QStringLiteral("test.ddf"), directive.toUtf8());
+    const MakeCabRun run = RunMakeCabIn({QStringLiteral("/F"), ddf}, tree.root());
+    EXPECT_EQ(run.status, 0) << run.err.toStdString();
+    return tree.path(QStringLiteral("out/test.cab"));
+}
+
+QMap<QString, QByteArray> Extracted(const QList<CabFile> &files)
+{
+    QMap<QString, QByteArray> expected;
+    for (const CabFile &file : files)
+        expected[QString(file.name).replace(u'\\', u'/')] = file.bytes;
+    return expected;
+}
+
+void ExpectExtractorsAgree(const QString &cabinet, const QString &scratch,
+    const QMap<QString, QByteArray> &expected, const QStringList &tools)
+{
+    const ToolResult test = runTool(QStringLiteral("cabextract"), {QStringLiteral("-t"), cabinet});
+    EXPECT_EQ(test.exitCode, 0) << "cabextract -t: " << test.output.toStdString();
+    const ToolResult sevenTest = runTool(QStringLiteral("7zz"), {QStringLiteral("t"), cabinet});
+    EXPECT_TRUE(sevenTest.exitCode == 0 && sevenTest.output.contains(QStringLiteral("Everything is Ok")))
+        << "7zz t: " << sevenTest.output.toStdString();
+
+    for (const QString &tool : tools) {
+        const QString into = scratch + QStringLiteral("/x-") + tool;
+        QString output;
+        EXPECT_EQ(ExtractCabinet(tool, cabinet, into, &output), 0)
+            << tool.toStdString() << ": " << output.toStdString();
+        QStringList names;
+        QDirIterator it(into, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (it.hasNext())
+            names << it.next().mid(into.size() + 1);
+        names.sort();
+        EXPECT_EQ(names, QStringList(expected.keys())) << tool.toStdString();
+        for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
+            const qsizetype at = FirstDifference(readAll(into + u'/' + it.key()), it.value());
+            EXPECT_LT(at, 0) << tool.toStdString() << ": " << it.key().toStdString() << " differs from byte "
+                             << at;
+        }
+    }
 }
 
 } // namespace qb::test

@@ -1,9 +1,12 @@
-// Generated test data shared by the cabmaker tests.
+// Generated test data and the makecab runs and oracle checks shared by the cabmaker tests.
 #pragma once
 
 #include <QByteArray>
+#include <QList>
+#include <QMap>
 #include <QRandomGenerator>
 #include <QString>
+#include <QStringList>
 
 namespace qb::test {
 
@@ -26,5 +29,38 @@ QByteArray InflateRaw(const QByteArray &stream, const QByteArray &history, qsize
 // crashed; output gets what it printed.
 int ExtractCabinet(
     const QString &tool, const QString &cabinet, const QString &into, QString *output = nullptr);
+
+class TempTree;
+
+struct MakeCabRun
+{
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+// The makecab command run in process, with folder as the current folder.
+MakeCabRun RunMakeCabIn(const QStringList &args, const QString &folder);
+
+struct CabFile
+{
+    QString name; // in the cabinet, with "\"
+    QByteArray bytes;
+    QString before = {}; // a directive line written before the file's line
+};
+
+// Writes each file's source below src/ and a directive file of settings and the files, and has
+// makecab build out/test.cab, which it returns (a test failure when makecab fails).
+QString BuildCabinet(TempTree &tree, const QList<CabFile> &files, const QString &settings);
+
+// What the files come out as: the last of a name wins, as in any archive tool.
+QMap<QString, QByteArray> Extracted(const QList<CabFile> &files);
+
+// cabextract and 7-Zip test the cabinet, then each of tools extracts it below scratch and must
+// give back exactly expected (path with "/" to bytes), nothing more.
+void ExpectExtractorsAgree(const QString &cabinet, const QString &scratch,
+    const QMap<QString, QByteArray> &expected,
+    const QStringList &tools
+    = {QStringLiteral("cabextract"), QStringLiteral("7zz"), QStringLiteral("bsdtar")});
 
 } // namespace qb::test

@@ -1,4 +1,4 @@
-// Start-up strings, the cabinet maker lookup, and the settings store.
+// The cabinet maker lookup and the settings store.
 #include "workbench/app_context.h"
 
 #include "support/temp_tree.h"
@@ -21,14 +21,6 @@ QString makeExecutable(TempTree &tree, const QString &relative)
     return path;
 }
 
-TEST(AppContext, StringsAfterStartUp)
-{
-    InitializeApplicationContext();
-    EXPECT_EQ(gAppTitle, QStringLiteral("Quillbox Desk"));
-    EXPECT_EQ(gSettingsKey, QStringLiteral("Software\\Tidewick\\Quillbox_Desk\\Settings"));
-    EXPECT_EQ(gContextCaption, QStringLiteral("添加到 Quillbox Desk"));
-}
-
 TEST(AppContext, MakeCabBesideTheProgramWinsOverPath)
 {
     TempTree tree;
@@ -43,12 +35,6 @@ TEST(AppContext, MakeCabBesideTheProgramWinsOverPath)
     tree.writeFile(QStringLiteral("p3/makecab"), "data");
     EXPECT_EQ(FindMakeCab(tree.path(QStringLiteral("p2")), tree.path(QStringLiteral("bin"))), onPath);
     EXPECT_EQ(FindMakeCab(tree.path(QStringLiteral("p3")), tree.path(QStringLiteral("bin"))), onPath);
-}
-
-TEST(AppContext, MissingMakerMessageKeepsItsBlank)
-{
-    gMakeCabPath.clear();
-    EXPECT_EQ(MakeCabMissingMessage(), QStringLiteral("无法找到 "));
 }
 
 class SettingsStore : public ::testing::Test

@@ -118,6 +118,7 @@ TEST_F(DesktopSession, SecondStartFeedsTheWindowAndTheMenuBuildsTheCabinet)
     second.setWorkingDirectory(tree.root());
     second.start(QStringLiteral(QB_DESK_PATH), {pkg, u"x1.txt"_s, u"more files/x2.txt"_s});
     ASSERT_TRUE(second.waitForFinished(15000));
+    EXPECT_EQ(second.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(second.exitCode(), 0);
     EXPECT_EQ(first.state(), QProcess::Running);
     QTest::qWait(1000);

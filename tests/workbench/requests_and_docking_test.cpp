@@ -42,12 +42,15 @@ protected:
     int restored = 0;
 };
 
-TEST_F(RequestTest, NotReadyDoesNothing)
+// Before the window is ready a request is dropped; once it is, even an empty one restores it.
+TEST_F(RequestTest, NotReadyDoesNothingAndAnEmptyRequestStillRestores)
 {
     const QString file = tree.writeFile(u"a.txt"_s, "a");
     bench.cPrevInstance_PrevInstance(file, false, {file}, {}, {});
-    EXPECT_EQ(list.Count(), 0);
     EXPECT_EQ(restored, 0);
+    bench.cPrevInstance_PrevInstance(QString(), true, {}, {}, {});
+    EXPECT_EQ(restored, 1);
+    EXPECT_EQ(list.Count(), 0);
 }
 
 TEST_F(RequestTest, FilesThenFoldersAndWordsIgnored)
@@ -66,13 +69,6 @@ TEST_F(RequestTest, FilesThenFoldersAndWordsIgnored)
     EXPECT_EQ(fromFolder, (QStringList {u"d.txt"_s, u"sub\\c.txt"_s}));
     EXPECT_EQ(bench.mBasePath, tree.path(u"dir/"_s));
     EXPECT_TRUE(dialogs.messages.isEmpty());
-}
-
-TEST_F(RequestTest, EmptyRequestStillRestoresTheWindow)
-{
-    bench.cPrevInstance_PrevInstance(QString(), true, {}, {}, {});
-    EXPECT_EQ(restored, 1);
-    EXPECT_EQ(list.Count(), 0);
 }
 
 TEST_F(RequestTest, OpenCabinetAsksAndNoEndsTheWholeRequest)

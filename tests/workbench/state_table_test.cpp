@@ -7,6 +7,7 @@
 #include "workbench/workbench.h"
 #include "workbench/workbench_doubles.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QSettings>
 #include <QTest>
@@ -60,6 +61,7 @@ protected:
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, tree.path(u"settings"_s));
         InitializeApplicationContext();
         gMakeCabPath = QStringLiteral(QB_MAKECAB_PATH);
+        bench.setClock([] { return QTime(12, 34, 56); });
         bench.FFmpegX1().setpriority(32);
         menus.setMenuEnabled(Menu::Cancel, false);
     }
@@ -119,7 +121,9 @@ TEST_F(StateTable, EveryRowOfTheTable)
     EXPECT_EQ(now(), kIdle);
 }
 
-TEST_F(StateTable, CancellingAndAnErrorInTheMiddleOfABuild)
+// A cancel mid-build: cancel stays on until the maker answers, then Canceled and Complete, and
+// the failed cabinet is reported with nothing half-made left behind.
+TEST_F(StateTable, CancellingInTheMiddleOfABuild)
 {
     QByteArray data;
     for (qint64 i = 0; data.size() < 16 * 1024 * 1024; ++i)
@@ -143,6 +147,17 @@ TEST_F(StateTable, CancellingAndAnErrorInTheMiddleOfABuild)
     EXPECT_EQ(atStatus[100], (Snapshot {u"-------"_s, true, true}));
     ASSERT_TRUE(atStatus.count(4));
     EXPECT_EQ(now(), kIdle);
+
+    EXPECT_TRUE(strip.captions.contains(u"  [12:34:56] 取消任务..."_s));
+    EXPECT_GE(strip.captions.indexOf(u"  [12:34:56] 任务已经取消!"_s), 0);
+    EXPECT_TRUE(strip.captions.last().startsWith(u"  [12:34:56] 已经完成! "_s));
+    EXPECT_EQ(dialogs.messages, (QList<std::pair<QString, int>> {{u"压缩包创建失败"_s, kCritical}}));
+    EXPECT_FALSE(QFileInfo::exists(bench.mCabinetPath));
+    // The next add would take in whatever was left in the folder.
+    EXPECT_EQ(QDir(tree.path(u"big"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+        (QStringList {u"data.txt"_s}));
+    bench.mnuCancel();
+    EXPECT_EQ(strip.Caption(), u"  [12:34:56] 没有需要取消的任务!"_s);
 }
 
 TEST_F(StateTable, ErrorTurnsCancelOffAndLeavesTheRest)

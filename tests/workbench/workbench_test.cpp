@@ -443,39 +443,6 @@ TEST_F(WorkbenchTest, UnwritableTemporaryFilesStopTheBuildAndSaySo)
     EXPECT_FALSE(QFileInfo::exists(bench.mCabinetPath));
 }
 
-TEST_F(WorkbenchTest, CancelledBuildReportsTheFailedCabinet)
-{
-    // Enough data for the maker to be at work when the cancel comes.
-    QByteArray data;
-    QRandomGenerator random(9);
-    while (data.size() < 24 * 1024 * 1024)
-        data += QByteArray::number(random.generate()) + ' ';
-    tree.writeFile(u"big/data.txt"_s, data);
-    WriteSetting(u"CompressionType", u"2"_s);
-    WriteSetting(u"CompressionMemory", u"6"_s);
-    bench.DropFile({tree.path(u"big"_s)}, QString());
-    QObject::connect(
-        &bench.FFmpegX1(), &engine::FFmpegX::StatusChange, &bench, [&](int code, const QString &) {
-            if (code == 1)
-                QTimer::singleShot(300, &bench, [&] { bench.mnuCancel(); });
-        });
-    bench.mnuSave(0);
-    ASSERT_TRUE(waitForBuild());
-    EXPECT_TRUE(strip.captions.contains(u"  [12:34:56] 取消任务..."_s));
-    const qsizetype canceled = strip.captions.indexOf(u"  [12:34:56] 任务已经取消!"_s);
-    ASSERT_GE(canceled, 0);
-    // Complete follows Canceled, and the cabinet is missing.
-    EXPECT_TRUE(strip.captions.last().startsWith(u"  [12:34:56] 已经完成! "_s));
-    ASSERT_EQ(dialogs.messages.size(), 1);
-    EXPECT_EQ(dialogs.messages[0], (std::pair {u"压缩包创建失败"_s, kCritical}));
-    EXPECT_FALSE(QFileInfo::exists(bench.mCabinetPath));
-    // Nothing half-made is left in the folder, which the next add would take in.
-    EXPECT_EQ(QDir(tree.path(u"big"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-        (QStringList {u"data.txt"_s}));
-    bench.mnuCancel();
-    EXPECT_EQ(strip.Caption(), u"  [12:34:56] 没有需要取消的任务!"_s);
-}
-
 TEST_F(WorkbenchTest, OpenAskingBeforeAnAddAndErrors)
 {
     tree.writeFile(u"a.txt"_s, "a");
@@ -518,12 +485,6 @@ TEST_F(WorkbenchTest, OpenAskingBeforeAnAddAndErrors)
     bench.mnuExtract();
     EXPECT_EQ(dialogs.messages.last(), (std::pair {u"还未打开任何 CAB 文件包！"_s, kInformation}));
 }
-
-} // namespace
-} // namespace qb::workbench
-
-namespace qb::workbench {
-namespace {
 
 TEST_F(WorkbenchTest, ExtractionMovesTheBarEveryHundredFiles)
 {
