@@ -9,6 +9,7 @@ qb_add_fuzzer(fuzz_text_search DEPS qb_util)
 qb_add_fuzzer(fuzz_profile_file DEPS qb_util)
 qb_add_fuzzer(fuzz_find_pattern DEPS qb_util)
 qb_add_fuzzer(fuzz_time_parse DEPS qb_util)
+qb_add_fuzzer(fuzz_subtitle_readers DEPS qb_subtitle)
 qb_add_fuzzer(fuzz_directive DEPS qb_cabmaker)
 qb_add_fuzzer(fuzz_lzx_roundtrip DEPS qb_cabmaker PkgConfig::MSPACK)
 # Shares the in-memory libmspack helper with the cabmaker tests.

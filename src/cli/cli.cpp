@@ -3,6 +3,7 @@
 
 #include "cli/cab_command.h"
 #include "cli/media_command.h"
+#include "cli/subtitle_command.h"
 
 #include "host/find_file.h"
 #include "util/file_names.h"
@@ -45,6 +46,10 @@ const char *const kUsageText
       "                        its version and, for the encoder, what it can write\n"
       "  media probe FILE... [--json] [--core PATH]\n"
       "                        the streams of media files and a one-line summary\n"
+      "  subtitle convert SRC... DST [--offset S] [--window START END] [--split] [--merge]\n"
+      "                        [--encoding N] [--simplified|--traditional]\n"
+      "                        convert subtitles and lyrics; DST's extension names the format\n"
+      "  subtitle formats       the formats, their extensions and what is read and written\n"
       "  help                   this text\n";
 
 struct Context
@@ -159,6 +164,7 @@ int RunQuillbox(const QStringList &arguments, QTextStream &out, QTextStream &err
         {QStringLiteral("text-format"), textFormat},
         {QStringLiteral("cab"), [](Context &c) { return RunCabCommand(c.args, c.out, c.err); }},
         {QStringLiteral("media"), [](Context &c) { return RunMediaCommand(c.args, c.out, c.err); }},
+        {QStringLiteral("subtitle"), [](Context &c) { return RunSubtitleCommand(c.args, c.out, c.err); }},
     };
     Context context {arguments.mid(1), out, err};
     if (arguments.isEmpty())
