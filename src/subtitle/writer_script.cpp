@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -174,6 +175,10 @@ QStringList WriteScript(const CueList &cues, const WriterOptions &o)
         + o.fontName + u'}';
 
     const qsizetype last = cues.size() - 1;
+    // Each start is read once: neighbours ask for it again.
+    std::vector<double> starts(size_t(cues.size()), 0.0);
+    for (qsizetype i = 1; i <= last; ++i)
+        starts[size_t(i)] = CueStart(cues.at(i));
     double start = 0;
     double end = 0;
     double prev = 0;
@@ -186,16 +191,16 @@ QStringList WriteScript(const CueList &cues, const WriterOptions &o)
         if (i == 1) {
             prev = start;
             if (last >= 2)
-                next = CueStart(cues.at(2));
+                next = starts[2];
             leadIn = kMaxLeadIn;
         } else if (i == last) {
-            prev = CueStart(cues.at(i - 1));
+            prev = starts[size_t(i - 1)];
             next = start;
             leadIn = start - prev;
             tail = kLastTail;
         } else {
-            prev = CueStart(cues.at(i - 1));
-            next = CueStart(cues.at(i + 1));
+            prev = starts[size_t(i - 1)];
+            next = starts[size_t(i + 1)];
             leadIn = start - prev;
         }
         leadIn = std::min(leadIn, kMaxLeadIn);
@@ -216,7 +221,7 @@ QStringList WriteScript(const CueList &cues, const WriterOptions &o)
 
     if (effect && last >= 1) {
         // A countdown runs into the first line when there is room before it.
-        const double first = CueStart(cues.at(1));
+        const double first = starts[1];
         const QString countdown = u"{\\k100}{\\ko50}..{\\ko50}..{\\ko50}.. "
                                   u"{\\ko50}>{\\ko50}>{\\ko50}>{\\ko50}>{\\ko50}>"_s;
         const QString style = QString::number((last + 1) % 2);
