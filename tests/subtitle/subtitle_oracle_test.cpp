@@ -22,8 +22,8 @@ const QByteArray kSource = "1\r\n00:00:01,000 --> 00:00:02,500\r\nHello\r\n\r\n"
 
 struct Timing
 {
-    int start = 0;
-    int end = 0;
+    qint64 start = 0;
+    qint64 end = 0; // the tool gives a last lyric line an end of some million hours
     bool operator==(const Timing &) const = default;
 };
 
@@ -36,19 +36,19 @@ QList<Timing> timingsOf(const QByteArray &srt)
     for (auto it = line.globalMatch(QString::fromUtf8(srt)); it.hasNext();) {
         const QRegularExpressionMatch m = it.next();
         const auto ms = [&](int first) {
-            return ((m.captured(first).toInt() * 60 + m.captured(first + 1).toInt()) * 60
-                       + m.captured(first + 2).toInt())
+            return ((m.captured(first).toLongLong() * 60 + m.captured(first + 1).toLongLong()) * 60
+                       + m.captured(first + 2).toLongLong())
                 * 1000
-                + m.captured(first + 3).toInt();
+                + m.captured(first + 3).toLongLong();
         };
         timings.append({ms(1), ms(5)});
     }
     return timings;
 }
 
-QList<int> startsOf(const QList<Timing> &timings)
+QList<qint64> startsOf(const QList<Timing> &timings)
 {
-    QList<int> starts;
+    QList<qint64> starts;
     for (const Timing &t : timings)
         starts.append(t.start);
     return starts;
@@ -91,7 +91,7 @@ protected:
 
 TEST_F(SubtitleOracle, WhatWeWriteTheToolReadsWithTheSameCues)
 {
-    const QList<int> starts {1000, 3250, 65500};
+    const QList<qint64> starts {1000, 3250, 65500};
     // Every printed end is 10 ms short of the stored one.
     const QList<Timing> withEnds {{1000, 2490}, {3250, 3990}, {65500, 66990}};
     for (const QString &format : {u"srt"_s, u"ass"_s, u"ssa"_s, u"smi"_s, u"lrc"_s}) {
@@ -119,7 +119,7 @@ TEST_F(SubtitleOracle, WhatTheToolWritesWeReadWithTheSameCues)
         const QString copy = tree.writeFile(u"crlf."_s + format, bytes);
         const QString ours = tree.path(u"ours-from-"_s + format + u".srt"_s);
         ASSERT_TRUE(convert(copy, ours).written) << format.toStdString();
-        EXPECT_EQ(startsOf(timingsOf(test::readAll(ours))), (QList<int> {1000, 3250, 65500}))
+        EXPECT_EQ(startsOf(timingsOf(test::readAll(ours))), (QList<qint64> {1000, 3250, 65500}))
             << format.toStdString() << "\n"
             << test::readAll(ours).toStdString();
     }
