@@ -26,6 +26,10 @@ namespace qb::util {
 class FileSearchEngine;
 }
 
+namespace qb::subtitle {
+struct ConvertArguments;
+}
+
 namespace qb::engine {
 
 class FFmpegX : public QObject
@@ -149,6 +153,18 @@ public:
     QString GetStreamNumber(const QString &Text) const;
     // "crop=W:H:X:Y" for the black borders of a video, or "".
     QString GetVideoScreenCropInfo(const QString &FileName);
+
+    // Converts subtitle and lyric files into the format of the destination's extension; the font,
+    // offset, watermark, text format and name suffix come from the properties. True when the
+    // destination was written.
+    bool ConvertSubtitle(const QStringList &src_SubFile, const QString &dst_SubFile, int s_ScreenWidth,
+        int s_ScreenHeight, const QString &s_TitleString, const QString &s_BannerString, int s_FontOutline,
+        int s_FontShadow, quint8 s_FontAlphaLevel, int s_EffectStyle, double s_EffectSpeed,
+        qint32 s_ForeColor, qint32 s_EffectColor, qint32 s_ShadowColor, bool s_Sort, int s_SubtitleAlign,
+        bool allowFinishedEvent, bool allowOverwrite, double s_TimeStartPoint, double s_TimeEndPoint,
+        int s_InternalCodeConversion, int s_RaiseEventInterval, bool s_SplitMode, bool s_MergeSamePosition);
+    // The same with every argument given, as the job engine calls it with its own values.
+    bool ff_ConvertSubtitle(const subtitle::ConvertArguments &arguments);
 
     // The name of a status code; "" for 10, 11 and anything above 9.
     static QString GetStatusString(int Status);
@@ -290,6 +306,7 @@ private:
     QString m_streamInfo;
     StreamFacts m_source; // what the last probe found, the private source fields included
     QString m_fileSummary;
+    bool m_converting = false;
     int m_statusRefreshInterval = 500;
     bool m_subclassEnabled = false;
     bool m_allowRaiseEvent = true;
