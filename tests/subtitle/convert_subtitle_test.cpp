@@ -111,5 +111,33 @@ TEST_F(Convert, TheWantedTextFormatAndTheScriptConversions)
     EXPECT_TRUE(QString::fromUtf8(written).contains(u"电影开始"_s)) << written.toStdString();
 }
 
+TEST_F(Convert, SourcesInEveryTextFormatAreRead)
+{
+    const QString text = u"1\r\n00:00:01,000 --> 00:00:02,000\r\n你好 world\r\n\r\n"_s;
+    QByteArray utf16le("\xFF\xFE");
+    QByteArray utf16be("\xFE\xFF");
+    for (const QChar c : text) {
+        utf16le += char(c.unicode() & 0xFF);
+        utf16le += char(c.unicode() >> 8);
+        utf16be += char(c.unicode() >> 8);
+        utf16be += char(c.unicode() & 0xFF);
+    }
+    const std::pair<const char *, QByteArray> sources[] = {
+        {"utf-8", text.toUtf8()},
+        {"utf-8 with its mark", "\xEF\xBB\xBF" + text.toUtf8()},
+        {"utf-16 le", utf16le},
+        {"utf-16 be", utf16be},
+        {"gbk", util::EncodeCodePage(text, 936)},
+    };
+    job.overwrite = true;
+    job.encodeFormat = 1;
+    for (const auto &[name, bytes] : sources) {
+        const QString source = tree.writeFile(u"enc.srt"_s, bytes);
+        ASSERT_TRUE(run({source}, tree.path(u"enc-out.txt"_s)).written) << name;
+        EXPECT_EQ(test::readAll(tree.path(u"enc-out.txt"_s)), "\xEF\xBB\xBF" + u"你好 world\r\n"_s.toUtf8())
+            << name;
+    }
+}
+
 } // namespace
 } // namespace qb::subtitle
