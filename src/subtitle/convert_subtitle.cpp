@@ -67,13 +67,16 @@ bool writeInPlace(const QString &path, const QStringList &lines, int encodeForma
     if (scratch.write(util::EncodeCodePage(text, 0)) < 0 || !scratch.flush())
         return false;
     scratch.close();
-    int format = -1;
-    const QString loaded = util::UEFLoadTextFile(scratch.fileName(), format);
-    if (loaded.isEmpty())
-        return false;
-    format = encodeFormat;
-    if (!util::UEFSaveTextFile(scratch.fileName(), loaded, false, format, encodeFormat))
-        return false;
+    // Re-encoding into the system's own code page would give back the very same bytes.
+    if (encodeFormat != util::TextFormatAnsi) {
+        int format = -1;
+        const QString loaded = util::UEFLoadTextFile(scratch.fileName(), format);
+        if (loaded.isEmpty())
+            return false;
+        format = encodeFormat;
+        if (!util::UEFSaveTextFile(scratch.fileName(), loaded, false, format, encodeFormat))
+            return false;
+    }
     QFile::remove(path);
     if (!QFile::rename(scratch.fileName(), path))
         return false;
