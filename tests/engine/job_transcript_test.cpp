@@ -120,7 +120,11 @@ TEST_F(JobTranscript, NormalRun)
 TEST_F(JobTranscript, TwoPassRun)
 {
     ffx.Job.Twopass = true;
-    writeTool(QString::fromUtf8(kProgressTool) + u"\nprintf 'pass %s done\\n' \"$1\""_s);
+    // The pass's line goes out in the same write as the rest, so that no read can fall between.
+    QString tool = QString::fromUtf8(kProgressTool);
+    tool.replace(u"cat <<'EOF'\n"_s, u"text=$(cat <<'EOF'\n"_s);
+    tool += u"\n)\nprintf '%s\\npass %s done\\n' \"$text\" \"$1\""_s;
+    writeTool(tool);
     runAndCompare("two_pass");
 }
 
