@@ -56,16 +56,19 @@ std::optional<MediaGraphFacts> graphAnswer(const WaitedRun &run)
     return run.endedInTime ? ReadMediaGraphAnswer(run.output) : std::nullopt;
 }
 
+// The quoted tool, then a blank and its arguments' text when there are any.
+ToolLaunch toolCommand(const QString &exe, const QString &args)
+{
+    return PlanToolLaunch(u'"' + exe + u'"' + (args.isEmpty() ? QString() : u' ' + args));
+}
+
 } // namespace
 
 QString FFmpegX::GetCoreVersion(const QString &Exe, const QString &Args)
 {
     if (m_processing)
         return {};
-    QString command = u'"' + Exe + u'"';
-    if (!Args.isEmpty())
-        command += u' ' + Args;
-    return WaitForTool(PlanToolLaunch(command), kShortRun, ToolRun::Output::Read, util::kPriorityIdle).output;
+    return WaitForTool(toolCommand(Exe, Args), kShortRun, ToolRun::Output::Read, util::kPriorityIdle).output;
 }
 
 void FFmpegX::setCore(const QString &path)
@@ -160,8 +163,7 @@ QString FFmpegX::GetStreamInfo(const QString &FileName)
         // The encoder's header and the player tool's answer are asked at once: each is a tool start.
         std::vector<ToolLaunch> launches {mediaGraphLaunch(m_core, FileName)};
         if (QFileInfo(m_core).isFile() && !m_processing)
-            launches.push_back(
-                PlanToolLaunch(u'"' + m_core + QStringLiteral("\" -i ") + QuoteArgument(FileName)));
+            launches.push_back(toolCommand(m_core, QStringLiteral("-i ") + QuoteArgument(FileName)));
         const std::vector<WaitedRun> runs
             = WaitForTools(launches, kShortRun, ToolRun::Output::Read, util::kPriorityIdle);
         if (runs.size() > 1)

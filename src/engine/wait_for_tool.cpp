@@ -4,6 +4,7 @@
 #include <QDeadlineTimer>
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace qb::engine {
@@ -17,39 +18,11 @@ constexpr int kKillWaitMs = 2000;
 WaitedRun WaitForTool(const ToolLaunch &launch, const WaitBounds &bounds, ToolRun::Output output,
     int priorityClass, const QString &workingDir)
 {
-    WaitedRun result;
-    const QDeadlineTimer deadline(bounds.milliseconds);
-    ToolRun run(output);
-    if (!run.start(launch, priorityClass, workingDir))
-        return result;
-    result.started = true;
-    run.closeInput();
-    qint64 bytes = 0;
-    for (;;) {
-        while (run.hasOutput() && bytes <= bounds.outputBytes) {
-            const QString piece = run.read();
-            bytes += piece.toUtf8().size();
-            result.output += piece;
-        }
-        if (bytes > bounds.outputBytes || deadline.hasExpired())
-            break;
-        if (run.ended() && !run.hasOutput()) {
-            result.endedInTime = true;
-            break;
-        }
-        run.waitForActivity(int(std::max<qint64>(1, deadline.remainingTime())));
-    }
-    if (result.endedInTime) {
-        result.output += run.readRest();
-        result.exitCode = run.exitCode();
-    } else {
-        run.kill(kKillWaitMs);
-    }
-    return result;
+    return WaitForTools({launch}, bounds, output, priorityClass, workingDir).front();
 }
 
 std::vector<WaitedRun> WaitForTools(const std::vector<ToolLaunch> &launches, const WaitBounds &bounds,
-    ToolRun::Output output, int priorityClass)
+    ToolRun::Output output, int priorityClass, const QString &workingDir)
 {
     const QDeadlineTimer deadline(bounds.milliseconds);
     std::vector<WaitedRun> results(launches.size());
@@ -57,7 +30,7 @@ std::vector<WaitedRun> WaitForTools(const std::vector<ToolLaunch> &launches, con
     std::vector<qint64> bytes(launches.size(), 0);
     for (size_t i = 0; i < launches.size(); ++i) {
         runs.push_back(std::make_unique<ToolRun>(output));
-        results[i].started = runs[i]->start(launches[i], priorityClass);
+        results[i].started = runs[i]->start(launches[i], priorityClass, workingDir);
         if (results[i].started)
             runs[i]->closeInput();
     }
@@ -67,6 +40,7 @@ std::vector<WaitedRun> WaitForTools(const std::vector<ToolLaunch> &launches, con
         done[i] = !results[i].started;
     for (;;) {
         ToolRun *waitOn = nullptr;
+        int waiting = 0;
         for (size_t i = 0; i < runs.size(); ++i) {
             if (done[i])
                 continue;
@@ -83,14 +57,18 @@ std::vector<WaitedRun> WaitForTools(const std::vector<ToolLaunch> &launches, con
                 results[i].output += run.readRest();
                 results[i].exitCode = run.exitCode();
                 done[i] = true;
-            } else if (!waitOn) {
-                waitOn = &run;
+            } else {
+                ++waiting;
+                if (!waitOn)
+                    waitOn = &run;
             }
         }
         if (!waitOn || deadline.hasExpired())
             break;
-        // Short waits, so that no run's pipe fills while another is waited on.
-        waitOn->waitForActivity(int(std::clamp<qint64>(deadline.remainingTime(), 1, 10)));
+        // With several runs the waits are short, so that no run's pipe fills while another is
+        // waited on; a single run is waited on until it says something.
+        const qint64 slice = waiting > 1 ? 10 : std::numeric_limits<int>::max();
+        waitOn->waitForActivity(int(std::clamp<qint64>(deadline.remainingTime(), 1, slice)));
     }
     for (size_t i = 0; i < runs.size(); ++i) {
         if (results[i].started && !results[i].endedInTime)

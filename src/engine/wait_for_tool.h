@@ -32,6 +32,7 @@ WaitedRun WaitForTool(const ToolLaunch &launch, const WaitBounds &bounds,
 // Runs several tools side by side (a probe asks two at once) and waits for all within the same
 // bounds, each output bounded on its own. The results are in the order of the launches.
 std::vector<WaitedRun> WaitForTools(const std::vector<ToolLaunch> &launches, const WaitBounds &bounds,
-    ToolRun::Output output = ToolRun::Output::Read, int priorityClass = util::kPriorityNormal);
+    ToolRun::Output output = ToolRun::Output::Read, int priorityClass = util::kPriorityNormal,
+    const QString &workingDir = {});
 
 } // namespace qb::engine
