@@ -61,10 +61,20 @@ bool writeInPlace(const QString &path, const QStringList &lines, int encodeForma
     scratch.setAutoRemove(true);
     if (!scratch.open())
         return false;
+    // Encoded a few thousand lines at a time: the whole text twice over would be touched for nothing.
+    constexpr qsizetype kChunk = 1 << 16;
     QString text;
-    for (const QString &line : lines)
-        text += line + QStringLiteral("\r\n");
-    if (scratch.write(util::EncodeCodePage(text, 0)) < 0 || !scratch.flush())
+    text.reserve(kChunk + 1024);
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        text += lines.at(i);
+        text += QStringLiteral("\r\n");
+        if (text.size() >= kChunk || i + 1 == lines.size()) {
+            if (scratch.write(util::EncodeCodePage(text, 0)) < 0)
+                return false;
+            text.resize(0);
+        }
+    }
+    if (!scratch.flush())
         return false;
     scratch.close();
     // Re-encoding into the system's own code page would give back the very same bytes.
@@ -126,13 +136,18 @@ ConvertResult ConvertSubtitleFiles(const ConvertArguments &arguments, const Conv
         const QString text = util::UEFLoadTextFile(source, format);
         if (text.isEmpty() || !text.contains(QStringLiteral("\r\n")))
             return result;
-        const QStringList lines = text.split(QStringLiteral("\r\n"));
         // The piece behind the last line end is not read.
-        const qsizetype visited = lines.size() - 1;
+        const QLatin1StringView lineEnd("\r\n");
+        const qsizetype visited = text.count(lineEnd);
+        qsizetype from = 0;
         for (qsizetype i = 0; i < visited; ++i) {
-            QString line = lines.at(i);
-            line.remove(u'\n').remove(u'\r');
-            line = convertScript(line, arguments.internalCodeConversion);
+            const qsizetype to = text.indexOf(lineEnd, from);
+            QString line = text.mid(from, to - from);
+            from = to + 2;
+            if (line.contains(u'\n') || line.contains(u'\r'))
+                line.remove(u'\n').remove(u'\r');
+            if (arguments.internalCodeConversion != 0)
+                line = convertScript(line, arguments.internalCodeConversion);
             ReadSubtitleLine(sourceId, line, i == visited - 1, state, cues, window);
             if (i % interval == 0)
                 progress(int(i), int(visited - 1), false);

@@ -63,7 +63,7 @@ QStringList WriteTable(const CueList &cues)
         {u"$ColorIndex3", 3, u"8"},
         {u"$ColorIndex4", 3, u"0"},
     };
-    const auto line = [](const char16_t *key, int tabs, const char16_t *value) {
+    const auto line = [](const char16_t *key, int tabs, const char16_t *value) -> QString {
         return QString::fromUtf16(key) + QString(tabs, u'\t') + u"=\t"_s + QString::fromUtf16(value);
     };
     QString header;

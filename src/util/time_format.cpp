@@ -46,9 +46,34 @@ ClockParts splitMSecs(double value)
     return parts;
 }
 
-QString padded(qint64 number, int width)
+// Appends number with at least width digits, zeros in front.
+void appendPadded(QString &out, qint64 number, int width)
 {
-    return QString::number(number).rightJustified(width, u'0');
+    char16_t digits[20];
+    int count = 0;
+    quint64 rest = quint64(number);
+    do {
+        digits[count++] = char16_t(u'0' + rest % 10);
+        rest /= 10;
+    } while (rest != 0 && count < 20);
+    for (int i = count; i < width; ++i)
+        out += u'0';
+    while (count > 0)
+        out += QChar(digits[--count]);
+}
+
+// The clock text of fields, each with its width, joined by the marks between them.
+QString clockText(std::initializer_list<std::pair<qint64, int>> fields, QStringView marks)
+{
+    QString out;
+    out.reserve(24);
+    qsizetype mark = 0;
+    for (const auto &[number, width] : fields) {
+        if (!out.isEmpty() && mark < marks.size())
+            out += marks.at(mark++);
+        appendPadded(out, number, width);
+    }
+    return out;
 }
 
 // What a clock text was read as: clock fields plus a fraction in some unit, or a plain number.
@@ -168,28 +193,23 @@ QString MSecsToTime(double &MSecs, int TimeStyle)
     MSecs = p.rest;
     const qint64 centis = p.millis / 10;
     const qint64 totalMinutes = p.hours * 60 + p.minutes;
-    const QChar colon(u':');
     switch (TimeStyle) {
     case 1:
-        return padded(p.hours, 1) + colon + padded(p.minutes, 2) + colon + padded(p.seconds, 2) + u'.'
-            + padded(centis, 2);
+        return clockText({{p.hours, 1}, {p.minutes, 2}, {p.seconds, 2}, {centis, 2}}, u"::.");
     case 2:
-        return padded(totalMinutes, 2) + colon + padded(p.seconds, 2) + u'.' + padded(centis, 2);
+        return clockText({{totalMinutes, 2}, {p.seconds, 2}, {centis, 2}}, u":.");
     case 3:
-        return padded(totalMinutes, 2) + colon + padded(p.seconds, 2) + u'.' + padded(p.millis, 3);
+        return clockText({{totalMinutes, 2}, {p.seconds, 2}, {p.millis, 3}}, u":.");
     case 4:
-        return padded(totalMinutes, 2) + colon + padded(p.seconds, 2);
+        return clockText({{totalMinutes, 2}, {p.seconds, 2}}, u":");
     case 5:
-        return padded(p.hours, 2) + colon + padded(p.minutes, 2) + colon + padded(p.seconds, 2) + colon
-            + padded(centis, 2);
+        return clockText({{p.hours, 2}, {p.minutes, 2}, {p.seconds, 2}, {centis, 2}}, u":::");
     case 98:
-        return padded(p.hours, 2) + colon + padded(p.minutes, 2) + colon + padded(p.seconds, 2) + u'.'
-            + padded(p.millis, 3);
+        return clockText({{p.hours, 2}, {p.minutes, 2}, {p.seconds, 2}, {p.millis, 3}}, u"::.");
     case 99:
-        return padded(p.hours, 2) + colon + padded(p.minutes, 2) + colon + padded(p.seconds, 2);
+        return clockText({{p.hours, 2}, {p.minutes, 2}, {p.seconds, 2}}, u"::");
     default:
-        return padded(p.hours, 2) + colon + padded(p.minutes, 2) + colon + padded(p.seconds, 2) + u','
-            + padded(p.millis, 3);
+        return clockText({{p.hours, 2}, {p.minutes, 2}, {p.seconds, 2}, {p.millis, 3}}, u"::,");
     }
 }
 
@@ -232,9 +252,11 @@ double TimeToSec(QString &TimeString, bool IncludeDecimal, const QString &separa
 QString FormatTime(double milliseconds, bool MSecUse, const QString &MSecString)
 {
     const ClockParts p = splitMSecs(milliseconds);
-    QString text = padded(p.hours, 2) + u':' + padded(p.minutes, 2) + u':' + padded(p.seconds, 2);
-    if (MSecUse)
-        text += MSecString + padded(p.millis, 3);
+    QString text = clockText({{p.hours, 2}, {p.minutes, 2}, {p.seconds, 2}}, u"::");
+    if (MSecUse) {
+        text += MSecString;
+        appendPadded(text, p.millis, 3);
+    }
     return text;
 }
 
