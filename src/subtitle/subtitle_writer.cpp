@@ -5,6 +5,8 @@
 #include "util/number_text.h"
 #include "util/time_format.h"
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace qb::subtitle {
@@ -61,6 +63,14 @@ QString TimeText(double msecs, int style)
 QString WholeText(double value)
 {
     return util::FormatNumber(value, u"0");
+}
+
+QString AspectScaleText(int width, int height)
+{
+    if (width == 0 || height == 0)
+        return QStringLiteral("0");
+    const double aspect = double(width) / double(height);
+    return WholeText(std::trunc((384.0 / 288.0) * 10 / aspect * 10));
 }
 
 } // namespace writer

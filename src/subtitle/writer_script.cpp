@@ -82,15 +82,6 @@ QString overrideBlock(const WriterOptions &o)
     return block + u'}';
 }
 
-// Squeezes the 4:3 design to the play size. A zero side leaves 0, as the failed division did.
-QString scaleText(const WriterOptions &o)
-{
-    if (o.screenWidth == 0 || o.screenHeight == 0)
-        return u"0"_s;
-    const double aspect = double(o.screenWidth) / double(o.screenHeight);
-    return WholeText(std::trunc((384.0 / 288.0) * 10 / aspect * 10));
-}
-
 QString withoutBrackets(QString text)
 {
     return text.remove(u'[').remove(u']');
@@ -171,8 +162,8 @@ QStringList WriteScript(const CueList &cues, const WriterOptions &o)
     karaoke.sourceId = o.sourceFormatId;
     karaoke.speed = o.effectSpeed;
     const QString block = overrideBlock(o);
-    const QString placing = u"{\\fscx"_s + scaleText(o) + u"}{\\an"_s + QString::number(o.align) + u"}{\\fn"_s
-        + o.fontName + u'}';
+    const QString placing = u"{\\fscx"_s + AspectScaleText(o.screenWidth, o.screenHeight) + u"}{\\an"_s
+        + QString::number(o.align) + u"}{\\fn"_s + o.fontName + u'}';
 
     const qsizetype last = cues.size() - 1;
     // Each start is read once: neighbours ask for it again.

@@ -26,6 +26,10 @@ QString TimeText(double msecs, int style);
 // A whole number (already rounded) without fraction or exponent.
 QString WholeText(double value);
 
+// The horizontal scale that squeezes the 4:3 design to the play size, as "\\fscx" takes it. A zero
+// side gives "0", as the failed division did.
+QString AspectScaleText(int width, int height);
+
 QStringList WriteScript(const CueList &cues, const WriterOptions &options);
 QStringList WriteKaraokeScript(const CueList &cues);
 QStringList WriteTable(const CueList &cues);
