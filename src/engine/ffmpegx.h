@@ -4,6 +4,7 @@
 // may cancel, suspend, resume or change the priority at any moment.
 #pragma once
 
+#include "engine/avisynth_script.h"
 #include "engine/console_scan.h"
 #include "engine/engine_properties.h"
 #include "engine/engine_texts.h"
@@ -166,6 +167,13 @@ public:
     // The same with every argument given, as the job engine calls it with its own values.
     bool ff_ConvertSubtitle(const subtitle::ConvertArguments &arguments);
 
+    // The frame server: whether it is installed (its library in the system folder and its source
+    // plugin in the plugin folder it registered), and the script of the job's sources, written to
+    // ScriptPath and, in TestMode, copied to OutputDir. The composer calls it before the tool
+    // starts; it hands back the text written, "" when it could not be written.
+    bool CheckAviSynthAvailable() const;
+    QString ComposeScript(const QString &FileInfo, const QString &ScriptPath, int OutW, int OutH);
+
     // The name of a status code; "" for 10, 11 and anything above 9.
     static QString GetStatusString(int Status);
 
@@ -287,6 +295,14 @@ private:
     void ReadCoreCapabilities(const QString &separator);
     // The probe's findings into the public fields.
     void publishFacts(const StreamFacts &facts);
+
+    // Overlay documents for the filter chain and for the script path; neither reports a failure.
+    void WriteWatermarkScript(const QString &FileName, int width, int height, bool advanced);
+    void WriteAvsSubtitleFile(const QString &FileName);
+    // What the script refers to on disk, converted and written into the job's temporary slots.
+    ScriptAttachments scriptAttachments();
+    // Converts a subtitle for the script path into target; "" after raising the failure.
+    QString convertForScript(const QString &source, const QString &target);
 
     // Hooks of the later parts of the engine.
     bool ImageConversion(const QStringList &files, const QString &output, const QString &format);
