@@ -1,6 +1,7 @@
 // quillbox media tools | probe.
 #include "cli/media_command.h"
 
+#include "cli/media_overlay_command.h"
 #include "engine/ffmpegx.h"
 
 #include <QFileInfo>
@@ -164,8 +165,12 @@ int RunMediaCommand(const QStringList &arguments, QTextStream &out, QTextStream 
         return tools(arguments.mid(1), out, err);
     if (verb == QLatin1String("probe"))
         return probe(arguments.mid(1), out, err);
+    if (verb == QLatin1String("overlay"))
+        return RunOverlayCommand(arguments.mid(1), out, err);
+    if (verb == QLatin1String("avs"))
+        return RunAvsCommand(arguments.mid(1), out, err);
     return usage(err,
-        verb.isEmpty() ? QStringLiteral("media needs tools or probe")
+        verb.isEmpty() ? QStringLiteral("media needs tools, probe, overlay or avs")
                        : QStringLiteral("unknown media command: ") + verb);
 }
 

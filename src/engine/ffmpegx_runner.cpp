@@ -201,6 +201,11 @@ FFmpegX::~FFmpegX()
     // Whatever still runs of the job stops now, not on a later turn.
     if (m_round)
         delete std::exchange(m_round->run, nullptr);
+    // The job's temporary files go with it, those of a script composed outside a job too.
+    for (const QString &slot : m_tempFiles) {
+        if (!slot.isEmpty())
+            QFile::remove(slot);
+    }
     if (!m_tempBase.isEmpty())
         QFile::remove(m_tempBase);
 }
