@@ -6,6 +6,8 @@ packages=(
   # build
   build-essential cmake ninja-build pkg-config clang libclang-rt-14-dev
   qt6-base-dev libmspack-dev zlib1g-dev libopencc-dev
+  # pictures: GIF with an optimal palette, TIFF with its compressions
+  libgif-dev libimagequant-dev libtiff-dev
   # Qt's own Chinese texts for the standard buttons and dialogs
   qt6-translations-l10n
   # tests and benchmarks
@@ -13,7 +15,7 @@ packages=(
   # the LZX benchmark compares with libwim's compressor
   libwim-dev
   # outside oracles called by the tests
-  cabextract 7zip gcab ffmpeg libarchive-tools
+  cabextract 7zip gcab ffmpeg libarchive-tools imagemagick
   # the media engine detects and drives these tools in its tests
   mencoder x264 mkvtoolnix
   # the desktop program's end-to-end test: a virtual X display, typed keys
