@@ -12,6 +12,7 @@
 #include "engine/stream_probe.h"
 #include "engine/tool_command.h"
 
+#include <QImage>
 #include <QObject>
 #include <QSettings>
 #include <QString>
@@ -152,6 +153,9 @@ public:
     // Probes a source: fills the stream fields and FileInfo, returns the stream text and summary.
     QString GetStreamInfo(const QString &FileName);
     QString GetStreamNumber(const QString &Text) const;
+    // One frame of a video at Seconds (-1: a tenth into it), taken by the media tool; null when
+    // there is none.
+    QImage GetVideoFrame(const QString &SourceFile, double Seconds = -1);
     // "crop=W:H:X:Y" for the black borders of a video, or "".
     QString GetVideoScreenCropInfo(const QString &FileName);
 

@@ -229,4 +229,33 @@ QString FFmpegX::GetVideoScreenCropInfo(const QString &FileName)
     return ReadCropDetection(run.output);
 }
 
+QImage FFmpegX::GetVideoFrame(const QString &SourceFile, double Seconds)
+{
+    // Frames come from the encoder when it is the media tool, else from the one on the path.
+    const QString tool = CoreState.CoreStatus == 1 && QFileInfo(m_core).isFile()
+        ? m_core
+        : QStandardPaths::findExecutable(QStringLiteral("ffmpeg"));
+    if (!util::FileExists(SourceFile) || tool.isEmpty())
+        return {};
+    if (Seconds < 0) {
+        // A tenth into the source: past most black openings and title cards.
+        const std::optional<MediaGraphFacts> graph = graphAnswer(WaitForTool(
+            mediaGraphLaunch(tool, SourceFile), kShortRun, ToolRun::Output::Read, util::kPriorityIdle));
+        Seconds = graph ? graph->duration / 10 : 0;
+    }
+    if (m_tempBase.isEmpty() || !QFileInfo::exists(m_tempBase))
+        m_tempBase = util::CreateTempFile(util::GetWindowsTempDirectory(), QStringLiteral("qbx"));
+    const QString frame = m_tempBase + QStringLiteral("g.png");
+    const ToolLaunch launch {tool,
+        {QStringLiteral("-hide_banner"), QStringLiteral("-nostats"), QStringLiteral("-v"),
+            QStringLiteral("error"), QStringLiteral("-y"), QStringLiteral("-ss"),
+            QString::number(Seconds, 'f', 3), QStringLiteral("-i"), SourceFile, QStringLiteral("-frames:v"),
+            QStringLiteral("1"), QStringLiteral("-an"), frame},
+        false};
+    WaitForTool(launch, kShortRun, ToolRun::Output::Read, util::kPriorityIdle);
+    QImage image(frame);
+    QFile::remove(frame);
+    return image;
+}
+
 } // namespace qb::engine

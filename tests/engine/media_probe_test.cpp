@@ -48,6 +48,10 @@ protected:
                 u"pad=160:120:0:20:black"_s, u"-c:v"_s, u"mpeg4"_s, u"-q:v"_s, u"2"_s});
         make(u"anamorphic.avi"_s,
             {u"-f"_s, u"lavfi"_s, u"-i"_s, clip, u"-vf"_s, u"setsar=64/45"_s, u"-c:v"_s, u"mpeg4"_s});
+        make(u"red then blue.mp4"_s,
+            {u"-f"_s, u"lavfi"_s, u"-i"_s, u"color=c=red:s=160x120:r=10:d=1"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+                u"color=c=blue:s=160x120:r=10:d=1"_s, u"-filter_complex"_s, u"concat=n=2:v=1:a=0"_s,
+                u"-c:v"_s, u"mpeg4"_s, u"-q:v"_s, u"2"_s});
         make(u"still.png"_s,
             {u"-f"_s, u"lavfi"_s, u"-i"_s, u"testsrc=size=96x64:duration=1"_s, u"-frames:v"_s, u"1"_s});
     }
@@ -182,6 +186,22 @@ TEST_F(MediaProbe, CropDetectionFindsTheBars)
     ffx.setCore(ffmpeg);
     EXPECT_EQ(ffx.GetVideoScreenCropInfo(tree->path(u"letterbox.mp4"_s)), u"crop=160:80:0:20"_s);
     EXPECT_EQ(ffx.GetVideoScreenCropInfo(tree->path(u"missing.mp4"_s)), QString());
+}
+
+TEST_F(MediaProbe, FramesComeFromTheirTime)
+{
+    FFmpegX ffx;
+    ffx.setCore(ffmpeg);
+    const QString video = tree->path(u"red then blue.mp4"_s);
+    const auto centre = [](const QImage &frame) { return QColor(frame.pixel(80, 60)); };
+    const QImage early = ffx.GetVideoFrame(video, 0.5);
+    ASSERT_EQ(early.size(), QSize(160, 120));
+    EXPECT_GT(centre(early).red(), 200);
+    EXPECT_GT(centre(ffx.GetVideoFrame(video, 1.5)).blue(), 200);
+    // Without a time, a tenth into the two seconds: still red.
+    EXPECT_GT(centre(ffx.GetVideoFrame(video)).red(), 200);
+    EXPECT_TRUE(ffx.GetVideoFrame(tree->path(u"missing.mp4"_s), 1).isNull());
+    EXPECT_TRUE(ffx.GetVideoFrame(tree->path(u"s.srt"_s), 0).isNull());
 }
 
 TEST_F(MediaProbe, TheEncoderIsRecognisedWithItsCapabilities)
