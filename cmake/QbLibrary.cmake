@@ -72,14 +72,18 @@ function(qb_forbid_widgets)
   endforeach()
 endfunction()
 
-# qb_add_test_suite(NAME [WIDGETS] DEPS...): every .cpp in the current folder makes one GoogleTest program.
+# qb_add_test_suite(NAME [WIDGETS | GUI] DEPS...): every .cpp in the current folder makes one GoogleTest program.
 # WIDGETS: the program runs a QApplication, for tests of widgets (offscreen).
+# GUI: the program runs a QGuiApplication, for tests that paint text (offscreen).
 function(qb_add_test_suite name)
-  cmake_parse_arguments(ARG "WIDGETS" "" "DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "WIDGETS;GUI" "" "DEPS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(ARG_WIDGETS)
     set(main ${PROJECT_SOURCE_DIR}/tests/support/test_main_widgets.cpp)
     list(APPEND ARG_DEPS Qt6::Widgets)
+  elseif(ARG_GUI)
+    set(main ${PROJECT_SOURCE_DIR}/tests/support/test_main_gui.cpp)
+    list(APPEND ARG_DEPS Qt6::Gui)
   else()
     set(main ${PROJECT_SOURCE_DIR}/tests/support/test_main.cpp)
   endif()
