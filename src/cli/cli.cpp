@@ -2,6 +2,7 @@
 #include "cli/cli.h"
 
 #include "cli/cab_command.h"
+#include "cli/image_command.h"
 #include "cli/media_command.h"
 #include "cli/subtitle_command.h"
 
@@ -50,6 +51,9 @@ const char *const kUsageText
       "                        the timed title, banner and logo a job burns in (.ssa: the plain form)\n"
       "  media avs SRC... [job options] [-o OUT.avs]\n"
       "                        the frame-server script of a job (quillbox media avs for its options)\n"
+      "  image convert SRC... DST [--size 800max|50%|WxH] [--quality N] [--format F] [--rotate N]\n"
+      "                        [--border W] [--set PROPERTY=VALUE]  convert pictures; several stitch\n"
+      "  image info FILE...     format, size, depth and resolution of pictures\n"
       "  subtitle convert SRC... DST [--offset S] [--window START END] [--split] [--merge]\n"
       "                        [--encoding N] [--simplified|--traditional]\n"
       "                        convert subtitles and lyrics; DST's extension names the format\n"
@@ -168,6 +172,7 @@ int RunQuillbox(const QStringList &arguments, QTextStream &out, QTextStream &err
         {QStringLiteral("text-format"), textFormat},
         {QStringLiteral("cab"), [](Context &c) { return RunCabCommand(c.args, c.out, c.err); }},
         {QStringLiteral("media"), [](Context &c) { return RunMediaCommand(c.args, c.out, c.err); }},
+        {QStringLiteral("image"), [](Context &c) { return RunImageCommand(c.args, c.out, c.err); }},
         {QStringLiteral("subtitle"), [](Context &c) { return RunSubtitleCommand(c.args, c.out, c.err); }},
     };
     Context context {arguments.mid(1), out, err};

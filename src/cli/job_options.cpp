@@ -62,7 +62,7 @@ QString existingFile(const QString &path)
     return QFileInfo(path).isFile() ? QString() : path + u": no such file"_s;
 }
 
-QString setProperty(FFmpegX &engine, const QString &assignment)
+QString setPropertyOption(FFmpegX &engine, const QString &assignment)
 {
     const qsizetype equals = assignment.indexOf(u'=');
     if (equals <= 0)
@@ -175,7 +175,7 @@ const Option kOptions[] = {
         }},
     {"--volume", "N", "audio volume in percent",
         number([](FFmpegX &e) -> int & { return e.Audio.AudioVolume; })},
-    {"--set", "PROPERTY=VALUE", "any stored property of the job by its name", setProperty},
+    {"--set", "PROPERTY=VALUE", "any stored property of the job by its name", setPropertyOption},
 };
 
 } // namespace
@@ -220,6 +220,11 @@ QString JobOptionsUsage()
         text += left.leftJustified(28) + u' ' + QLatin1String(option.help) + u'\n';
     }
     return text;
+}
+
+QString SetJobProperty(engine::FFmpegX &engine, const QString &assignment)
+{
+    return setPropertyOption(engine, assignment);
 }
 
 } // namespace qb::cli

@@ -23,6 +23,9 @@ struct JobOptions
 // --deinterlace, --volume N and --set PROPERTY=VALUE for any stored property.
 JobOptions ApplyJobOptions(const QStringList &arguments, engine::FFmpegX &engine);
 
+// One PROPERTY=VALUE for any stored property of the engine; why it was refused, or "".
+QString SetJobProperty(engine::FFmpegX &engine, const QString &assignment);
+
 // The lines of the usage text that describe the options above.
 QString JobOptionsUsage();
 

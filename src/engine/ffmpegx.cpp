@@ -2,6 +2,7 @@
 #include "engine/ffmpegx.h"
 
 #include "engine/ffmpegx_round.h"
+#include "engine/ffmpegx_sheet.h"
 #include "engine/status_codes.h"
 #include "util/file_names.h"
 #include "util/file_search.h"

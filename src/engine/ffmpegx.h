@@ -156,6 +156,14 @@ public:
     // One frame of a video at Seconds (-1: a tenth into it), taken by the media tool; null when
     // there is none.
     QImage GetVideoFrame(const QString &SourceFile, double Seconds = -1);
+    // Frames of a video into a picture file: one frame at TimePoint (-1: a tenth into it), or a
+    // contact sheet of Columns by Rows (-1: from ImageGrabberThumbMatrix), each frame sized by
+    // ImageGrabberSize unless Width or Height overrule it, saved in Format (default
+    // ImageGrabberFormat). Frames are taken one per event-loop turn, so cancel and suspend act
+    // between them; the end is StatusChange 2 with the file, or 3 with StringContent21.
+    void Screenshot(const QString &OutputFile, const QString &SourceFile, const QString &Script = {},
+        double TimePoint = -1, const QString &Format = {}, int Columns = -1, int Rows = -1, int Width = 0,
+        int Height = 0, bool RaiseEvents = true, bool Overwrite = true, bool AllowScreenshotAVS = false);
     // "crop=W:H:X:Y" for the black borders of a video, or "".
     QString GetVideoScreenCropInfo(const QString &FileName);
 
@@ -177,6 +185,33 @@ public:
     // starts; it hands back the text written, "" when it could not be written.
     bool CheckAviSynthAvailable() const;
     QString ComposeScript(const QString &FileInfo, const QString &ScriptPath, int OutW, int OutH);
+
+    // Pictures in memory through the core stage of picture conversion (size, tone, blur, cut,
+    // placement, frame, torn edge, negative, shadow), in the fixed argument order; bytes are PNG.
+    // bExpandEdge and sShadowOffset are taken for the order's sake: the blur has its own edge flag
+    // and a shadow lies its own depth away.
+    bool ResizeImagefromByte(const QByteArray &hSourceByte, QByteArray &hTargetByte, const QString &sTargetSize,
+        int lStyle, int lBorderWidth, const QString &sBorderColor, quint8 bBorderAlpha, quint8 bBorderStyle,
+        const QString &sEdgeIndentation, int lBorderIndentation, int lImageBrightness, int lImageContrast,
+        bool bImageSharpen, int lRadiusTL, int lRadiusTR, int lRadiusBL, int lRadiusBR, int lRadiusStyleTL,
+        int lRadiusStyleTR, int lRadiusStyleBL, int lRadiusStyleBR, int lImageBlurRectX, int lImageBlurRectY,
+        int lImageBlurRectW, int lImageBlurRectH, int lTornEdge, bool bInvert, bool bImageBlurExpandEdge,
+        int lImageBlurRadius, bool bExpandEdge, int CutX, int CutY, int CutW, int CutH, const QString &bBackColor,
+        quint8 bBackAlpha, const QString &sShadowDepth, quint8 bShadowAlpha, qint32 lShadowColor,
+        const QString &sShadowOffset, qint32 lRadiusStartColor, qint32 lRadiusEndColor, quint8 bRadiusStartAlpha,
+        quint8 bRadiusEndAlpha);
+    bool ResizeImagefromStdPicture(const QImage &hSourceImage, QImage &hTargetImage, const QString &sTargetSize,
+        int lStyle, int lBorderWidth, const QString &sBorderColor, quint8 bBorderAlpha, quint8 bBorderStyle,
+        const QString &sEdgeIndentation, int lBorderIndentation, int lImageBrightness, int lImageContrast,
+        bool bImageSharpen, int lRadiusTL, int lRadiusTR, int lRadiusBL, int lRadiusBR, int lRadiusStyleTL,
+        int lRadiusStyleTR, int lRadiusStyleBL, int lRadiusStyleBR, int lImageBlurRectX, int lImageBlurRectY,
+        int lImageBlurRectW, int lImageBlurRectH, int lTornEdge, bool bInvert, bool bImageBlurExpandEdge,
+        int lImageBlurRadius, bool bExpandEdge, int CutX, int CutY, int CutW, int CutH, const QString &bBackColor,
+        quint8 bBackAlpha, const QString &sShadowDepth, quint8 bShadowAlpha, qint32 lShadowColor,
+        const QString &sShadowOffset, qint32 lRadiusStartColor, qint32 lRadiusEndColor, quint8 bRadiusStartAlpha,
+        quint8 bRadiusEndAlpha);
+    // The platform's rotate-and-flip codes 0 to 7.
+    bool FlipImagefromStdPicture(const QImage &hSourceImage, QImage &hTargetImage, int lRotateFlip);
 
     // The name of a status code; "" for 10, 11 and anything above 9.
     static QString GetStatusString(int Status);
@@ -308,10 +343,18 @@ private:
     // Converts a subtitle for the script path into target; "" after raising the failure.
     QString convertForScript(const QString &source, const QString &target);
 
-    // Hooks of the later parts of the engine.
+    // The image branch: the files converted (several stitched) into output by the image families.
     bool ImageConversion(const QStringList &files, const QString &output, const QString &format);
-    bool Screenshot(const QString &source, const QString &output, int width, int height, double seconds);
-    bool WriteContactSheet(const QString &source, const QString &output);
+    // The sheet in the making, one frame per event-loop turn; done runs after its end.
+    struct SheetWork;
+    void startSheet(const QString &output, const QString &sourceFile, const QString &script, double timePoint,
+        const QString &format, int columns, int rows, int width, int height, bool raise, bool overwrite,
+        bool allowScript, std::function<void()> done);
+    void postSheetStep(int delayMs);
+    void sheetStep();
+    void finishSheet(bool framesTaken);
+    // Length and picture size of a source from the player tool, within the short-run bounds.
+    std::optional<MediaGraphFacts> quickGraph(const QString &file);
 
     ScanState m_scan;
     bool m_processing = false;
@@ -347,6 +390,7 @@ private:
 
     bool m_jobActive = false;
     std::unique_ptr<Round> m_round; // the tool run of the pass under way
+    std::unique_ptr<SheetWork> m_sheet; // the frames being taken for a picture
     QTimer m_refreshTimer;
 
     CommandComposer m_composer;

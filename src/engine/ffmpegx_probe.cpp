@@ -229,6 +229,14 @@ QString FFmpegX::GetVideoScreenCropInfo(const QString &FileName)
     return ReadCropDetection(run.output);
 }
 
+std::optional<MediaGraphFacts> FFmpegX::quickGraph(const QString &file)
+{
+    const QString tool
+        = QFileInfo(m_core).isFile() ? m_core : QStandardPaths::findExecutable(QStringLiteral("ffmpeg"));
+    return graphAnswer(
+        WaitForTool(mediaGraphLaunch(tool, file), kShortRun, ToolRun::Output::Read, util::kPriorityIdle));
+}
+
 QImage FFmpegX::GetVideoFrame(const QString &SourceFile, double Seconds)
 {
     // Frames come from the encoder when it is the media tool, else from the one on the path.
@@ -239,8 +247,7 @@ QImage FFmpegX::GetVideoFrame(const QString &SourceFile, double Seconds)
         return {};
     if (Seconds < 0) {
         // A tenth into the source: past most black openings and title cards.
-        const std::optional<MediaGraphFacts> graph = graphAnswer(WaitForTool(
-            mediaGraphLaunch(tool, SourceFile), kShortRun, ToolRun::Output::Read, util::kPriorityIdle));
+        const std::optional<MediaGraphFacts> graph = quickGraph(SourceFile);
         Seconds = graph ? graph->duration / 10 : 0;
     }
     if (m_tempBase.isEmpty() || !QFileInfo::exists(m_tempBase))

@@ -3,6 +3,7 @@
 #include "engine/command_line.h"
 #include "engine/ffmpegx.h"
 #include "engine/ffmpegx_round.h"
+#include "engine/ffmpegx_sheet.h"
 #include "engine/job_progress.h"
 #include "engine/status_codes.h"
 #include "engine/stream_probe.h"
@@ -125,9 +126,10 @@ void FFmpegX::StartProcess()
 
     if (imageOut && Job.AllowVideoToImage && Video.VideoWidth >= 1 && Video.VideoHeight >= 1) {
         FileOutput.OutputFileName = startOutputFileName();
-        Screenshot(m_fileName, FileOutput.OutputFileName, Video.VideoWidth, Video.VideoHeight, 0);
-        m_processing = false;
+        // One frame at the start; Processing ends with the picture.
         m_commandLine.clear();
+        Screenshot(FileOutput.OutputFileName, m_fileName, {}, 0, FileOutput.ForceFormat, 1, 1,
+            Video.VideoWidth, Video.VideoHeight);
         return;
     }
 
@@ -160,13 +162,18 @@ void FFmpegX::runPassTwo()
 
 void FFmpegX::finishStartProcess()
 {
+    const auto end = [this] {
+        m_jobActive = false;
+        m_commandLine.clear();
+    };
     if (FileOutput.ForceFormat.compare(QStringLiteral("psp"), Qt::CaseInsensitive) == 0
         && CoreState.CoreStatus == 1) {
-        Screenshot(FileOutput.OutputFileName,
-            withoutExtension(FileOutput.OutputFileName) + QStringLiteral(".thm"), 160, 120, 5);
+        // The player's thumbnail: one frame at five seconds, 160 by 120, as JPEG.
+        startSheet(withoutExtension(FileOutput.OutputFileName) + QStringLiteral(".thm"),
+            FileOutput.OutputFileName, {}, 5, QStringLiteral("jpg"), 1, 1, 160, 120, false, true, false, end);
+        return;
     }
-    m_jobActive = false;
-    m_commandLine.clear();
+    end();
 }
 
 ComposedCommand FFmpegX::composeCommand(int pass)
@@ -436,7 +443,9 @@ void FFmpegX::endLoop()
     const QString output = FileOutput.OutputFileName;
     if (ImageGrabber.ImageGrabberEnabled && !Video.DisableVideo && util::FileExists(output)
         && util::GetFileLen(output) > 0) {
-        WriteContactSheet(output, withoutExtension(output) + QStringLiteral(".Thumb.jpg"));
+        startSheet(withoutExtension(output) + QStringLiteral(".Thumb.jpg"), output, {}, -1,
+            QStringLiteral("jpg"), -1, -1, 0, 0, false, true, Job.AllowScreenshotAVS, [this] { closeRun(); });
+        return;
     }
     closeRun();
 }
