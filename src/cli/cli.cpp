@@ -49,6 +49,8 @@ const char *const kUsageText
       "                        the streams of media files and a one-line summary\n"
       "  media overlay OUT.ass [--title T1 [T2]] [--banner T] [--logo T] [--size WxH] [--from S --to S]\n"
       "                        the timed title, banner and logo a job burns in (.ssa: the plain form)\n"
+      "  media sheet VIDEO OUT.jpg [--grid CxR] [--size 300max|WxH]\n"
+      "                        a contact sheet of a video's frames with their times\n"
       "  media avs SRC... [job options] [-o OUT.avs]\n"
       "                        the frame-server script of a job (quillbox media avs for its options)\n"
       "  image convert SRC... DST [--size 800max|50%|WxH] [--quality N] [--format F] [--rotate N]\n"

@@ -2,6 +2,7 @@
 #include "cli/media_command.h"
 
 #include "cli/media_overlay_command.h"
+#include "cli/media_sheet_command.h"
 #include "engine/ffmpegx.h"
 
 #include <QFileInfo>
@@ -169,8 +170,10 @@ int RunMediaCommand(const QStringList &arguments, QTextStream &out, QTextStream 
         return RunOverlayCommand(arguments.mid(1), out, err);
     if (verb == QLatin1String("avs"))
         return RunAvsCommand(arguments.mid(1), out, err);
+    if (verb == QLatin1String("sheet"))
+        return RunSheetCommand(arguments.mid(1), out, err);
     return usage(err,
-        verb.isEmpty() ? QStringLiteral("media needs tools, probe, overlay or avs")
+        verb.isEmpty() ? QStringLiteral("media needs tools, probe, overlay, avs or sheet")
                        : QStringLiteral("unknown media command: ") + verb);
 }
 
