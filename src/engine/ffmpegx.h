@@ -186,30 +186,58 @@ public:
     bool CheckAviSynthAvailable() const;
     QString ComposeScript(const QString &FileInfo, const QString &ScriptPath, int OutW, int OutH);
 
+    // The picture forms: QImage for the picture object and the image handle, a whole PNG file for
+    // the byte form (a loaded file's bytes as they stand). The loader reads layered-image files,
+    // retries a file by its bytes and takes a frame of a video. Failures give false or nothing.
+    bool StartUpGDIP(qint64 &lToken);
+    void ShutdownGDIP(qint64 &lToken);
+    QImage LoadStdPictureFromFile(const QString &FileName);
+    bool ConvertImageToStdPicture(const QImage &hImage, QImage &hTargetImage);
+    bool ConvertStdPictureToByte(const QImage &hSourceImage, QByteArray &hTargetByte);
+    bool ConvertByteToImage(const QByteArray &hSourceByte, QImage &hImage);
+    bool ConvertImageToByte(const QImage &hImage, QByteArray &hTargetByte);
+    bool DisposeImage(QImage &hImage);
+    bool ConvertByteToStdPicture(const QByteArray &hSourceByte, QImage &hTargetImage, qint32 lBackColor);
+    bool SaveStdPictureToFile(const QImage &hSourceImage, const QString &FileName,
+        const QString &encoderFormat, int lImageQuality, int lTIFF_ColorDepth, int lTIFF_Compression,
+        qint32 lGIFTransparencyColor);
+    bool SaveImageByteToFile(const QByteArray &hSourceByte, const QString &FileName,
+        const QString &encoderFormat, int lImageQuality, int lTIFF_ColorDepth, int lTIFF_Compression,
+        qint32 lGIFTransparencyColor);
+    QByteArray LoadImageFileToByte(const QString &src_FileName);
+    // Sizes in pixels: from the file's header, from the decoded picture (a video's frame too), of a
+    // picture, of a byte form.
+    bool GetImageSize(const QString &FileName, int &lW, int &lH);
+    bool GetImageSize2(const QString &FileName, int &lW, int &lH);
+    bool GetImageSizeFromStdPicture(const QImage &hSourceImage, int &lW, int &lH);
+    bool GetImageSizeFromByte(const QByteArray &hSourceByte, int &lW, int &lH);
+
     // Pictures in memory through the core stage of picture conversion (size, tone, blur, cut,
     // placement, frame, torn edge, negative, shadow), in the fixed argument order; bytes are PNG.
     // bExpandEdge and sShadowOffset are taken for the order's sake: the blur has its own edge flag
     // and a shadow lies its own depth away.
-    bool ResizeImagefromByte(const QByteArray &hSourceByte, QByteArray &hTargetByte, const QString &sTargetSize,
-        int lStyle, int lBorderWidth, const QString &sBorderColor, quint8 bBorderAlpha, quint8 bBorderStyle,
-        const QString &sEdgeIndentation, int lBorderIndentation, int lImageBrightness, int lImageContrast,
-        bool bImageSharpen, int lRadiusTL, int lRadiusTR, int lRadiusBL, int lRadiusBR, int lRadiusStyleTL,
-        int lRadiusStyleTR, int lRadiusStyleBL, int lRadiusStyleBR, int lImageBlurRectX, int lImageBlurRectY,
-        int lImageBlurRectW, int lImageBlurRectH, int lTornEdge, bool bInvert, bool bImageBlurExpandEdge,
-        int lImageBlurRadius, bool bExpandEdge, int CutX, int CutY, int CutW, int CutH, const QString &bBackColor,
+    bool ResizeImagefromByte(const QByteArray &hSourceByte, QByteArray &hTargetByte,
+        const QString &sTargetSize, int lStyle, int lBorderWidth, const QString &sBorderColor,
+        quint8 bBorderAlpha, quint8 bBorderStyle, const QString &sEdgeIndentation, int lBorderIndentation,
+        int lImageBrightness, int lImageContrast, bool bImageSharpen, int lRadiusTL, int lRadiusTR,
+        int lRadiusBL, int lRadiusBR, int lRadiusStyleTL, int lRadiusStyleTR, int lRadiusStyleBL,
+        int lRadiusStyleBR, int lImageBlurRectX, int lImageBlurRectY, int lImageBlurRectW,
+        int lImageBlurRectH, int lTornEdge, bool bInvert, bool bImageBlurExpandEdge, int lImageBlurRadius,
+        bool bExpandEdge, int CutX, int CutY, int CutW, int CutH, const QString &bBackColor,
         quint8 bBackAlpha, const QString &sShadowDepth, quint8 bShadowAlpha, qint32 lShadowColor,
-        const QString &sShadowOffset, qint32 lRadiusStartColor, qint32 lRadiusEndColor, quint8 bRadiusStartAlpha,
-        quint8 bRadiusEndAlpha);
-    bool ResizeImagefromStdPicture(const QImage &hSourceImage, QImage &hTargetImage, const QString &sTargetSize,
-        int lStyle, int lBorderWidth, const QString &sBorderColor, quint8 bBorderAlpha, quint8 bBorderStyle,
-        const QString &sEdgeIndentation, int lBorderIndentation, int lImageBrightness, int lImageContrast,
-        bool bImageSharpen, int lRadiusTL, int lRadiusTR, int lRadiusBL, int lRadiusBR, int lRadiusStyleTL,
-        int lRadiusStyleTR, int lRadiusStyleBL, int lRadiusStyleBR, int lImageBlurRectX, int lImageBlurRectY,
-        int lImageBlurRectW, int lImageBlurRectH, int lTornEdge, bool bInvert, bool bImageBlurExpandEdge,
-        int lImageBlurRadius, bool bExpandEdge, int CutX, int CutY, int CutW, int CutH, const QString &bBackColor,
+        const QString &sShadowOffset, qint32 lRadiusStartColor, qint32 lRadiusEndColor,
+        quint8 bRadiusStartAlpha, quint8 bRadiusEndAlpha);
+    bool ResizeImagefromStdPicture(const QImage &hSourceImage, QImage &hTargetImage,
+        const QString &sTargetSize, int lStyle, int lBorderWidth, const QString &sBorderColor,
+        quint8 bBorderAlpha, quint8 bBorderStyle, const QString &sEdgeIndentation, int lBorderIndentation,
+        int lImageBrightness, int lImageContrast, bool bImageSharpen, int lRadiusTL, int lRadiusTR,
+        int lRadiusBL, int lRadiusBR, int lRadiusStyleTL, int lRadiusStyleTR, int lRadiusStyleBL,
+        int lRadiusStyleBR, int lImageBlurRectX, int lImageBlurRectY, int lImageBlurRectW,
+        int lImageBlurRectH, int lTornEdge, bool bInvert, bool bImageBlurExpandEdge, int lImageBlurRadius,
+        bool bExpandEdge, int CutX, int CutY, int CutW, int CutH, const QString &bBackColor,
         quint8 bBackAlpha, const QString &sShadowDepth, quint8 bShadowAlpha, qint32 lShadowColor,
-        const QString &sShadowOffset, qint32 lRadiusStartColor, qint32 lRadiusEndColor, quint8 bRadiusStartAlpha,
-        quint8 bRadiusEndAlpha);
+        const QString &sShadowOffset, qint32 lRadiusStartColor, qint32 lRadiusEndColor,
+        quint8 bRadiusStartAlpha, quint8 bRadiusEndAlpha);
     // The platform's rotate-and-flip codes 0 to 7.
     bool FlipImagefromStdPicture(const QImage &hSourceImage, QImage &hTargetImage, int lRotateFlip);
 

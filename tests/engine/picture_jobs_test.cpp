@@ -131,5 +131,49 @@ TEST_F(PictureJobs, ResizeAndFlipInMemory)
     EXPECT_FALSE(ffx.FlipImagefromStdPicture(QImage(), flipped, 1));
 }
 
+TEST_F(PictureJobs, ThePictureFormsKeepTheirContract)
+{
+    qint64 token = 0;
+    EXPECT_TRUE(ffx.StartUpGDIP(token));
+    EXPECT_NE(token, 0);
+    ffx.ShutdownGDIP(token);
+    EXPECT_EQ(token, 0);
+
+    QImage picture = ffx.LoadStdPictureFromFile(still);
+    ASSERT_EQ(picture.size(), QSize(80, 60));
+    QByteArray png;
+    ASSERT_TRUE(ffx.ConvertStdPictureToByte(picture, png));
+    int w = 0;
+    int h = 0;
+    EXPECT_TRUE(ffx.GetImageSizeFromByte(png, w, h));
+    EXPECT_EQ(QSize(w, h), QSize(80, 60));
+    EXPECT_TRUE(ffx.GetImageSize(still, w, h));
+    EXPECT_FALSE(ffx.GetImageSize(tree.path(u"in/gone.png"_s), w, h));
+
+    // An unknown format writes a BMP under the name given; capitals name JPEG.
+    const QString bmp = tree.path(u"out/p.xyz"_s);
+    ASSERT_TRUE(ffx.SaveStdPictureToFile(picture, bmp, u"xyz"_s, 85, 24, 2, -1));
+    EXPECT_TRUE(ffx.LoadImageFileToByte(bmp).startsWith("BM"));
+    const QString jpeg = tree.path(u"out/p.j"_s);
+    ASSERT_TRUE(ffx.SaveImageByteToFile(png, jpeg, u"JPG"_s, 85, 24, 2, -1));
+    EXPECT_TRUE(ffx.LoadImageFileToByte(jpeg).startsWith("\xFF\xD8"));
+
+    // An empty array converts to nothing and leaves the target; disposing nothing is false.
+    QImage target = picture;
+    EXPECT_FALSE(ffx.ConvertByteToStdPicture({}, target, 0));
+    EXPECT_EQ(target.size(), QSize(80, 60));
+    EXPECT_TRUE(ffx.DisposeImage(target));
+    EXPECT_TRUE(target.isNull());
+    EXPECT_FALSE(ffx.DisposeImage(target));
+
+    // A video is read as one of its frames.
+    const QString video = clip();
+    if (!video.isEmpty()) {
+        ffx.setCore(QStandardPaths::findExecutable(u"ffmpeg"_s));
+        EXPECT_TRUE(ffx.GetImageSize2(video, w, h));
+        EXPECT_EQ(QSize(w, h), QSize(160, 120));
+    }
+}
+
 } // namespace
 } // namespace qb::engine
