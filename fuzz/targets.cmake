@@ -14,6 +14,7 @@ qb_add_fuzzer(fuzz_subtitle_blocks DEPS qb_subtitle)
 qb_add_fuzzer(fuzz_subtitle_scripts DEPS qb_subtitle)
 qb_add_fuzzer(fuzz_subtitle_lyrics DEPS qb_subtitle)
 qb_add_fuzzer(fuzz_psd_reader DEPS qb_imaging)
+qb_add_fuzzer(fuzz_image_loader DEPS qb_imaging)
 qb_add_fuzzer(fuzz_directive DEPS qb_cabmaker)
 qb_add_fuzzer(fuzz_lzx_roundtrip DEPS qb_cabmaker PkgConfig::MSPACK)
 # Shares the in-memory libmspack helper with the cabmaker tests.
