@@ -68,13 +68,19 @@ QImage ConvertByteToStdPicture(const QByteArray &bytes, qint32 backColor)
 }
 
 QImage LoadImageToGdip(const QString &fileName, const std::function<bool(const QString &)> &isVideo,
-    const VideoFrameGrabber &grabFrame)
+    const VideoFrameGrabber &grabFrame, QSize atLeast)
 {
     if (QFileInfo(fileName).isFile()) {
         if (isLayeredFile(fileName))
             return ReadPsdComposite(LoadImageFileToByte(fileName)).image;
         QImageReader reader(fileName);
         reader.setAutoTransform(false);
+        if (atLeast.isValid() && !atLeast.isEmpty() && reader.supportsOption(QImageIOHandler::ScaledSize)) {
+            const QSize full = reader.size();
+            const QSize wanted = full.scaled(atLeast, Qt::KeepAspectRatioByExpanding);
+            if (full.isValid() && wanted.width() < full.width() && wanted.height() < full.height())
+                reader.setScaledSize(wanted);
+        }
         QImage image = reader.read();
         // A name whose extension lies about the content still decodes from its bytes.
         if (image.isNull())

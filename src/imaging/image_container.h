@@ -30,8 +30,10 @@ using VideoFrameGrabber = std::function<QImage(const QString &video)>;
 // The loader: a layered-image file through our reader, anything else by its file name and, when
 // that fails, once more from its bytes; a file that is none of these but a video (isVideo) is a
 // frame taken by grabFrame.
+// With atLeast, a reader that can decode at a smaller scale (JPEG) does so, keeping the shape and
+// both sides at least that large: a large photograph made small never decodes whole.
 QImage LoadImageToGdip(const QString &fileName, const std::function<bool(const QString &)> &isVideo = {},
-    const VideoFrameGrabber &grabFrame = {});
+    const VideoFrameGrabber &grabFrame = {}, QSize atLeast = {});
 
 // Sizes in pixels; an invalid size when the source holds no picture.
 QSize GetImageSize(const QString &fileName);

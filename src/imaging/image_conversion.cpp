@@ -2,9 +2,11 @@
 
 #include "imaging/histogram_stage.h"
 #include "imaging/stitch_layout.h"
+#include "imaging/target_size_rule.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QPainter>
 
 using namespace Qt::StringLiterals;
@@ -26,10 +28,28 @@ QColor colorOf(qint32 color, int alpha)
 }
 
 // One file through the chain up to its text lines, on the canvas its format asks for.
+// How large a picture must be decoded: when it only shrinks and no stage reads its own pixels by
+// position (a blur rectangle, a cut) or by their neighbours (sharpening), twice the target is
+// enough for a clean reduction; otherwise all of it.
+QSize decodeAtLeast(const QString &file, const ProcessSettings &p)
+{
+    const bool positional = p.sharpen || (p.blur.width() > 0 && p.blur.height() > 0)
+        || ((p.style == 1 || p.style == 3) && p.cutX != -1 && p.cutY != -1 && p.cutW != -1 && p.cutH != -1);
+    if (positional)
+        return {};
+    const QSize full = QImageReader(file).size();
+    int w = 0;
+    int h = 0;
+    double scale = 1;
+    if (!full.isValid() || !ParseTargetSize(p.targetSize, full.width(), full.height(), w, h, scale))
+        return {};
+    return QSize(2 * w, 2 * h);
+}
+
 QImage convertOne(
     const QString &file, const ConversionSettings &s, const ConversionHooks &hooks, QImage &source)
 {
-    source = LoadImageToGdip(file, hooks.isVideo, hooks.grabFrame);
+    source = LoadImageToGdip(file, hooks.isVideo, hooks.grabFrame, decodeAtLeast(file, s.process));
     if (source.isNull())
         return {};
     // The core stage leaves what the picture does not cover clear; the format's canvas below
