@@ -1,5 +1,6 @@
 // Jobs that make pictures: the image branch of a job, one frame of a video as a picture, contact
 // sheets taken one frame per event-loop turn, and the in-memory resize and flip entries.
+#include "engine/command_line.h"
 #include "engine/engine_recorder.h"
 #include "engine/ffmpegx.h"
 #include "support/temp_tree.h"
@@ -173,6 +174,27 @@ TEST_F(PictureJobs, ThePictureFormsKeepTheirContract)
         EXPECT_TRUE(ffx.GetImageSize2(video, w, h));
         EXPECT_EQ(QSize(w, h), QSize(160, 120));
     }
+}
+
+TEST_F(PictureJobs, AFinishedJobLeavesItsContactSheetBesideTheOutput)
+{
+    const QString video = clip();
+    if (video.isEmpty())
+        GTEST_SKIP() << "ffmpeg is not installed";
+    const QString output = tree.path(u"out/result.mp4"_s);
+    ffx.setFileName(video);
+    ffx.setCore(tree.writeFile(u"tools/core"_s, "#!/bin/sh\n"));
+    ffx.setOutputDir(tree.path(u"out"_s));
+    ffx.FileOutput.OutputFileName = output;
+    ffx.setCommandComposer(
+        [&](int) { return u"cp "_s + QuoteForShell(video) + u' ' + QuoteForShell(output); });
+    ffx.ImageGrabber.ImageGrabberEnabled = true;
+    ffx.ImageGrabber.ImageGrabberThumbMatrix = u"2x2"_s;
+    ffx.ImageGrabber.ImageGrabberSize = u"40x30"_s;
+    ffx.StartProcess();
+    ASSERT_TRUE(test::waitForJobEnd(ffx));
+    EXPECT_EQ(QImage(tree.path(u"out/result.Thumb.jpg"_s)).size(), QSize(80, 60));
+    EXPECT_EQ(rec.statuses.last().first, 2) << rec.statusLines().join(u" | "_s).toStdString();
 }
 
 } // namespace
