@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace qb::imaging {
 namespace {
 
-struct Spec
+struct PsdShape
 {
     quint16 channels = 3;
     quint32 width = 5;
@@ -63,7 +63,7 @@ quint16 sampleAt(quint16 c, quint32 x, quint32 y, quint16 depth)
     return depth == 16 ? quint16(v * 257 + c) : quint16(v);
 }
 
-QByteArray writePsd(const Spec &s)
+QByteArray writePsd(const PsdShape &s)
 {
     QByteArray out("8BPS");
     put16(out, 1);
@@ -106,7 +106,7 @@ TEST(PsdReader, EveryModeItReadsComesBackPixelForPixel)
     struct Case
     {
         const char *name;
-        Spec spec;
+        PsdShape shape;
         QImage::Format format;
     };
     const Case cases[] = {
@@ -118,7 +118,7 @@ TEST(PsdReader, EveryModeItReadsComesBackPixelForPixel)
         {"grey 8 packed with alpha", {2, 7, 3, 8, 1, 1}, QImage::Format_ARGB32},
     };
     for (const Case &c : cases) {
-        const Spec &s = c.spec;
+        const PsdShape &s = c.shape;
         const PsdResult read = ReadPsdComposite(writePsd(s));
         ASSERT_FALSE(read.image.isNull()) << c.name << ": " << read.problem.toStdString();
         EXPECT_EQ(read.image.format(), c.format) << c.name;
