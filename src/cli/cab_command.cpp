@@ -1,5 +1,6 @@
 // quillbox cab: each action is one or more clsCAB services; every RaiseError becomes a message.
 #include "cli/cab_command.h"
+#include "cli/exit_status.h"
 
 #include "cabinet/cab_errors.h"
 #include "cabinet/cab_reader.h"
@@ -17,10 +18,6 @@
 namespace qb::cli {
 
 namespace {
-
-constexpr int kOk = 0;
-constexpr int kFailed = 1;
-constexpr int kUsage = 2;
 
 struct CabRun
 {

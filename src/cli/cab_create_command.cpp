@@ -1,6 +1,7 @@
 // quillbox cab create: the paths go through the workbench's add, the build through its directive
 // file, our cabinet maker and the job engine, exactly as in the window; only the surfaces differ.
 #include "cli/cab_create_command.h"
+#include "cli/exit_status.h"
 
 #include "engine/status_codes.h"
 #include "util/process_priority.h"
@@ -27,9 +28,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int kOk = 0;
-constexpr int kFailed = 1;
-constexpr int kUsage = 2;
 constexpr int kBarWidth = 30;
 
 const char *const kCreateUsage = "usage: quillbox cab create CABINET PATH... [--compression none|mszip|lzx]"

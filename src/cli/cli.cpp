@@ -1,5 +1,6 @@
 // Sub-commands of the quillbox command.
 #include "cli/cli.h"
+#include "cli/exit_status.h"
 
 #include "cli/cab_command.h"
 #include "cli/image_command.h"
@@ -21,10 +22,6 @@
 namespace qb::cli {
 
 namespace {
-
-constexpr int kOk = 0;
-constexpr int kFailed = 1;
-constexpr int kUsage = 2;
 
 const char *const kUsageText
     = "usage: quillbox COMMAND [ARGUMENTS]\n"

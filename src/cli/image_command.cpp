@@ -1,5 +1,6 @@
 // quillbox image convert | info.
 #include "cli/image_command.h"
+#include "cli/exit_status.h"
 
 #include "cli/job_options.h"
 #include "engine/ffmpegx.h"
@@ -19,10 +20,6 @@ using namespace Qt::StringLiterals;
 namespace qb::cli {
 
 namespace {
-
-constexpr int kOk = 0;
-constexpr int kFailed = 1;
-constexpr int kUsage = 2;
 
 const char *const kImageUsage
     = "usage: quillbox image convert SRC... DST [--size 800max|50%|WxH] [--quality N]\n"

@@ -1,5 +1,6 @@
 // quillbox media tools | probe.
 #include "cli/media_command.h"
+#include "cli/exit_status.h"
 
 #include "cli/media_overlay_command.h"
 #include "cli/media_sheet_command.h"
@@ -14,10 +15,6 @@
 namespace qb::cli {
 
 namespace {
-
-constexpr int kOk = 0;
-constexpr int kFailed = 1;
-constexpr int kUsage = 2;
 
 const char *const kMediaUsage = "usage: quillbox media tools [PATH...]\n"
                                 "       quillbox media probe FILE... [--json] [--core PATH]\n";

@@ -1,6 +1,7 @@
 // quillbox media overlay | avs: the overlay document of a job's timed texts, and the frame-server
 // script a job would run on.
 #include "cli/media_overlay_command.h"
+#include "cli/exit_status.h"
 
 #include "cli/job_options.h"
 #include "engine/ffmpegx.h"
@@ -18,10 +19,6 @@ using namespace Qt::StringLiterals;
 namespace qb::cli {
 
 namespace {
-
-constexpr int kOk = 0;
-constexpr int kFailed = 1;
-constexpr int kUsage = 2;
 
 int usage(QTextStream &err, const QString &problem)
 {

@@ -1,4 +1,5 @@
 #include "cli/media_sheet_command.h"
+#include "cli/exit_status.h"
 
 #include "engine/ffmpegx.h"
 
@@ -14,10 +15,6 @@ using namespace Qt::StringLiterals;
 namespace qb::cli {
 
 namespace {
-
-constexpr int kOk = 0;
-constexpr int kFailed = 1;
-constexpr int kUsage = 2;
 
 int usage(QTextStream &err, const QString &problem)
 {

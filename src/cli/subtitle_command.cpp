@@ -1,5 +1,6 @@
 // quillbox subtitle convert | formats.
 #include "cli/subtitle_command.h"
+#include "cli/exit_status.h"
 
 #include "subtitle/convert_subtitle.h"
 #include "subtitle/subtitle_formats.h"
@@ -12,10 +13,6 @@
 namespace qb::cli {
 
 namespace {
-
-constexpr int kOk = 0;
-constexpr int kFailed = 1;
-constexpr int kUsage = 2;
 
 const char *const kSubtitleUsage
     = "usage: quillbox subtitle convert SRC... DST [--offset SECONDS] [--window START END] [--split]\n"
