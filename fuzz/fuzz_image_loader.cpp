@@ -3,6 +3,7 @@
 // has a size; a refusal is a null picture, never a crash.
 #include "fuzz_check.h"
 #include "imaging/image_container.h"
+#include "imaging/jpeg_metadata.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -28,6 +29,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QByteArray bytes(reinterpret_cast<const char *>(data + 1), qsizetype(size - 1));
     const QImage fromBytes = qb::imaging::ConvertByteToImage(bytes);
     check(fromBytes.isNull() || qb::imaging::GetImageSizeFromByte(bytes) == fromBytes.size());
+    // The metadata block, when found, lies inside the bytes and is a whole segment.
+    const QByteArray exif = qb::imaging::ReadJpegExif(bytes);
+    check(exif.isEmpty() || (bytes.contains(exif) && exif.startsWith("\xFF\xE1")));
     QFile::remove(file);
     return 0;
 }

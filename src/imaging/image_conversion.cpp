@@ -1,6 +1,7 @@
 #include "imaging/image_conversion.h"
 
 #include "imaging/histogram_stage.h"
+#include "imaging/jpeg_metadata.h"
 #include "imaging/stitch_layout.h"
 #include "imaging/target_size_rule.h"
 
@@ -130,7 +131,16 @@ bool ImageConversion(const QStringList &inputs, const QString &output, const Con
         encode.encoderFormat = u"gif"_s;
         encode.gifTransparencyColor = s.backColor;
     }
-    return SaveImageToFile(picture, output, encode, problem);
+    if (!SaveImageToFile(picture, output, encode, problem))
+        return false;
+    // A photograph made into a photograph keeps its camera's block.
+    const bool jpegOut = encode.encoderFormat == u"jpg"_s || encode.encoderFormat == u"jpeg"_s;
+    if (jpegOut && inputs.size() == 1) {
+        const QByteArray exif = ReadJpegExif(LoadImageFileToByte(inputs.first()));
+        if (!exif.isEmpty() && !InsertJpegExif(output, exif))
+            return fail(problem, output + u": the source's metadata could not be added"_s);
+    }
+    return true;
 }
 
 } // namespace qb::imaging

@@ -1,6 +1,7 @@
 // Picture conversion end to end: the size rules on real files, stitching, the canvas each format
 // asks for, rotation, resolution and metadata, with ImageMagick's identify as the outside judge.
 #include "imaging/image_conversion.h"
+#include "imaging/jpeg_metadata.h"
 #include "support/temp_tree.h"
 #include "support/tool_run.h"
 
@@ -138,6 +139,38 @@ TEST_F(Conversion, RotationResolutionAndMetadata)
         EXPECT_NEAR(seen.at(1).toDouble(), 59.06, 0.02);
         EXPECT_EQ(seen.at(2), u"PixelsPerCentimeter"_s);
     }
+}
+
+TEST_F(Conversion, APhotographKeepsItsCameraBlock)
+{
+    // A camera block with one entry, the artist, in little-endian order.
+    QByteArray payload("Exif\0\0II*\0\x08\0\0\0\x01\0\x3B\x01\x02\0\x06\0\0\0\x1A\0\0\0\0\0\0\0Quill\0", 38);
+    QByteArray segment("\xFF\xE1");
+    segment += char((payload.size() + 2) >> 8);
+    segment += char((payload.size() + 2) & 0xFF);
+    segment += payload;
+    QImage photo(64, 48, QImage::Format_RGB32);
+    photo.fill(Qt::darkGreen);
+    const QString in = tree.path(u"camera.jpg"_s);
+    ASSERT_TRUE(photo.save(in, "JPG"));
+    ASSERT_TRUE(InsertJpegExif(in, segment));
+    EXPECT_EQ(ReadJpegExif(test::readAll(in)), segment);
+    EXPECT_EQ(QImage(in).size(), QSize(64, 48));
+
+    settings.encoderFormat = u"jpg"_s;
+    settings.process.targetSize = u"50%"_s;
+    const QString out = tree.path(u"small.jpg"_s);
+    ASSERT_TRUE(ImageConversion({in}, out, settings));
+    EXPECT_EQ(ReadJpegExif(test::readAll(out)), segment);
+    EXPECT_EQ(QImage(out).size(), QSize(32, 24));
+    const QString artist = identify(out, u"%[EXIF:Artist]"_s);
+    if (!artist.isEmpty()) {
+        EXPECT_EQ(artist, u"Quill"_s);
+    }
+    // Other formats and the bytes of no JPEG carry nothing.
+    EXPECT_TRUE(ReadJpegExif("GIF89a").isEmpty());
+    EXPECT_TRUE(ReadJpegExif(QByteArray("\xFF\xD8\xFF\xE1\x7F\xFF", 6)).isEmpty());
+    EXPECT_FALSE(InsertJpegExif(tree.writeFile(u"x.jpg"_s, "not a jpeg"), segment));
 }
 
 TEST_F(Conversion, WhatCannotBeDoneIsSaid)
