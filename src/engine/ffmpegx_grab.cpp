@@ -13,12 +13,12 @@
 #include "util/time_format.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
 
 namespace qb::engine {
-
 
 namespace {
 
@@ -40,6 +40,28 @@ bool splitGrid(const QString &matrix, int &columns, int &rows)
     columns = parts.at(0).trimmed().toInt();
     rows = parts.at(1).trimmed().toInt();
     return columns > 0 && rows > 0;
+}
+
+// The codec and the rate of the first video and audio stream lines, joined with ", ".
+QString codecAndRates(const QString &video, const QString &audio)
+{
+    QStringList fields;
+    const auto take = [&fields](const QString &line, const QString &kind, const QString &rateUnit) {
+        const qsizetype at = line.indexOf(kind);
+        if (at < 0)
+            return;
+        const QString rest = line.mid(at + kind.size());
+        static const QRegularExpression end(u"[(,]"_s);
+        fields << rest.left(rest.indexOf(end));
+        for (const QString &field : rest.split(u',')) {
+            if (field.endsWith(rateUnit))
+                fields << field;
+        }
+    };
+    take(video.section(u"\r\n"_s, 0, 0), u"Video:"_s, u"fps"_s);
+    take(audio.section(u"\r\n"_s, 0, 0), u"Audio:"_s, u"Hz"_s);
+    fields.removeAll(QString());
+    return fields.join(u", "_s);
 }
 
 } // namespace
@@ -118,6 +140,16 @@ void FFmpegX::startSheet(const QString &output, const QString &sourceFile, const
                       << util::ConvertFileSize(double(QFileInfo(work->source).size()), true) + u", "_s
                 + QString::number(sourceW) + u'x' + QString::number(sourceH) + u", "_s
                 + util::FormatTime(duration * 1000, false, {});
+        if (ImageGrabber.ImageGrabberEnhancedFileInfo) {
+            // A probe of its own, so that the job's source fields stay as they are.
+            FFmpegX probe;
+            probe.setAllowRaiseEvent(false);
+            probe.setCore(m_core);
+            probe.setFileName(work->source);
+            const QString line = codecAndRates(probe.Video.VideoStreamInfo, probe.Audio.AudioStreamInfo);
+            if (!line.isEmpty())
+                layout.header << line;
+        }
     }
     work->times = count == 1 ? QList<double> {timePoint >= 0 ? timePoint : duration / 10}
                              : imaging::SheetTimePoints(duration, count);

@@ -95,6 +95,19 @@ TEST_F(PictureJobs, AContactSheetIsTakenFrameByFrame)
     EXPECT_EQ(QImage(sheet).size(), QSize(3 * 40 + 4, 2 * 30 + 4));
     EXPECT_FALSE(ffx.Processing());
 
+    // The file's lines take a header band of a line and a half each at the font's size (20 here):
+    // name and sizes, then with the enhanced form the codec and rate line.
+    ffx.ImageGrabber.ImageGrabberShowFileInfo = true;
+    const QString headed = tree.path(u"out/headed.png"_s);
+    ffx.Screenshot(headed, video, {}, -1, u"png"_s, 2, 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ffx.Processing(); }, 30000));
+    EXPECT_EQ(QImage(headed).size(), QSize(2 * 40 + 4, 30 + 4 + 2 * 30 + 8));
+    ffx.ImageGrabber.ImageGrabberEnhancedFileInfo = true;
+    ffx.Screenshot(headed, video, {}, -1, u"png"_s, 2, 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !ffx.Processing(); }, 30000));
+    EXPECT_EQ(QImage(headed).size(), QSize(2 * 40 + 4, 30 + 4 + 3 * 30 + 8));
+    ffx.ImageGrabber.ImageGrabberShowFileInfo = false;
+
     // A missing source ends at once with the failure text, and a cancel between frames too.
     rec.statuses.clear();
     ffx.Screenshot(tree.path(u"out/none.jpg"_s), tree.path(u"in/gone.mp4"_s));

@@ -73,6 +73,38 @@ TEST(ContactSheet, BackStylesAndShiftedColours)
     EXPECT_LT(qRed(acrossA), qRed(acrossB));
 }
 
+TEST(ContactSheet, TimesInkTheLowerRightOfTheirCellsAndTheHeaderItsBand)
+{
+    SheetSettings s;
+    s.columns = 2;
+    s.rows = 1;
+    s.frame = {120, 60};
+    s.fontSize = 14;
+    s.foreColor = 0x0000FF; // red
+    s.header = {QStringLiteral("clip.mp4")};
+    const QList<QImage> frames {solid(Qt::black), solid(Qt::black)};
+    const auto redIn = [](const QImage &sheet, QRect box) {
+        int count = 0;
+        for (int y = box.top(); y <= box.bottom(); ++y)
+            for (int x = box.left(); x <= box.right(); ++x)
+                count += qRed(sheet.pixel(x, y)) > 200 && qGreen(sheet.pixel(x, y)) < 80;
+        return count;
+    };
+    const int top = SheetHeaderHeight(s);
+    const QImage plain = DrawContactSheet(frames, s);
+    s.frameTimes = {QStringLiteral("00:00:01"), QStringLiteral("00:00:02")};
+    const QImage timed = DrawContactSheet(frames, s);
+    ASSERT_EQ(timed.size(), QSize(240, 60 + top));
+    EXPECT_GT(redIn(plain, QRect(0, 0, 240, top)), 0); // the header
+    for (int cell = 0; cell < 2; ++cell) {
+        const QRect lowerRight(cell * 120 + 60, top + 30, 60, 30);
+        const QRect upperLeft(cell * 120, top, 60, 30);
+        EXPECT_EQ(redIn(plain, lowerRight), 0) << cell;
+        EXPECT_GT(redIn(timed, lowerRight), 0) << cell;
+        EXPECT_EQ(redIn(timed, upperLeft), 0) << cell;
+    }
+}
+
 TEST(ContactSheet, TimePointsAvoidBothEnds)
 {
     EXPECT_EQ(SheetTimePoints(10, 4), (QList<double> {2, 4, 6, 8}));

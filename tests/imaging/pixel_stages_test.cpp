@@ -1,5 +1,5 @@
-// The pixel stages of the conversion on small pictures made here: exact where a stage is exact,
-// and where it is not, the places it must leave alone and the direction it must move.
+// The pixel stages on small pictures: exact where a stage is exact, elsewhere what it must leave
+// alone and which way it must move.
 #include "imaging/blur_stage.h"
 #include "imaging/placement_stage.h"
 #include "imaging/tone_stage.h"
@@ -14,9 +14,9 @@
 namespace qb::imaging {
 namespace {
 
-QImage noise(int w, int h, quint32 seed = 1)
+QImage noise(int w, int h)
 {
-    std::mt19937 random(seed);
+    std::mt19937 random(1);
     QImage image(w, h, QImage::Format_ARGB32);
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x)
@@ -24,11 +24,17 @@ QImage noise(int w, int h, quint32 seed = 1)
     return image;
 }
 
+QImage painted(QImage image, const QRect &area, QRgb colour)
+{
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            image.setPixel(x, y, colour);
+    return image;
+}
+
 QImage plain(int w, int h, QRgb colour)
 {
-    QImage image(w, h, QImage::Format_ARGB32);
-    image.fill(colour);
-    return image;
+    return painted(QImage(w, h, QImage::Format_ARGB32), QRect(0, 0, w, h), colour);
 }
 
 // Pixels that differ inside (or, with outside, beyond) the area.
@@ -53,56 +59,44 @@ TEST(ToneStage, NoToneAndTwoNegativesGiveThePictureBack)
 
 TEST(ToneStage, BrightnessAndContrastAtTheirEnds)
 {
-    const QImage ramp = [] {
-        QImage image(256, 1, QImage::Format_ARGB32);
-        for (int v = 0; v < 256; ++v)
-            image.setPixel(v, 0, qRgba(v, 255 - v, v / 2, v));
-        return image;
-    }();
-    const auto each = [&](const QImage &out, auto expect) {
+    QImage ramp(256, 1, QImage::Format_ARGB32);
+    for (int v = 0; v < 256; ++v)
+        ramp.setPixel(v, 0, qRgba(v, 255 - v, v / 2, v));
+    const struct
+    {
+        int brightness, contrast;
+        bool (*fits)(int in, int out);
+    } cases[] = {{255, 0, [](int, int out) { return out == 255; }},
+        {-9999, 0, [](int, int out) { return out == 0; }}, {0, -100, [](int, int out) { return out == 128; }},
+        {0, 100, [](int in, int out) { return out == (in >= 128 ? 255 : 0); }},
+        {0, 40, [](int in, int out) { return in < 128 ? out <= in : out >= in; }},
+        {0, -40, [](int in, int out) { return in < 128 ? out >= in : out <= in; }},
+        {30, 0, [](int in, int out) { return out == std::min(in + 30, 255); }}};
+    for (const auto &c : cases) {
+        const QImage out = AdjustBrightnessContrast(ramp, c.brightness, c.contrast);
         for (int v = 0; v < 256; ++v) {
-            const QRgb p = out.pixel(v, 0);
+            const QRgb in = ramp.pixel(v, 0), p = out.pixel(v, 0);
             ASSERT_EQ(qAlpha(p), v);
-            ASSERT_TRUE(expect(qRed(ramp.pixel(v, 0)), qRed(p))) << v;
-            ASSERT_TRUE(expect(qGreen(ramp.pixel(v, 0)), qGreen(p))) << v;
+            ASSERT_TRUE(c.fits(qRed(in), qRed(p)) && c.fits(qGreen(in), qGreen(p)))
+                << c.brightness << ", " << c.contrast << " at " << v;
         }
-    };
-    each(AdjustBrightnessContrast(ramp, 255, 0), [](int, int out) { return out == 255; });
-    each(AdjustBrightnessContrast(ramp, -9999, 0), [](int, int out) { return out == 0; });
-    each(AdjustBrightnessContrast(ramp, 0, -100), [](int, int out) { return out == 128; });
-    each(
-        AdjustBrightnessContrast(ramp, 0, 100), [](int in, int out) { return out == (in >= 128 ? 255 : 0); });
-    each(AdjustBrightnessContrast(ramp, 0, 40),
-        [](int in, int out) { return in < 128 ? out <= in : out >= in; });
-    each(AdjustBrightnessContrast(ramp, 0, -40),
-        [](int in, int out) { return in < 128 ? out >= in : out <= in; });
-    each(AdjustBrightnessContrast(AdjustBrightnessContrast(ramp, 0, 0), 30, 0),
-        [](int in, int out) { return out == std::min(in + 30, 255); });
+    }
 }
 
 TEST(ToneStage, SharpeningSteepensAnEdgeAndNothingElse)
 {
-    QImage image = plain(20, 6, qRgba(60, 60, 60, 255));
-    for (int y = 0; y < 6; ++y)
-        for (int x = 10; x < 20; ++x)
-            image.setPixel(x, y, qRgba(200, 200, 200, 255));
+    const QImage image
+        = painted(plain(20, 6, qRgba(60, 60, 60, 255)), QRect(10, 0, 10, 6), qRgba(200, 200, 200, 255));
     const QImage out = SharpenImage(image);
     EXPECT_LT(qRed(out.pixel(9, 3)), 60);
     EXPECT_GT(qRed(out.pixel(10, 3)), 200);
     EXPECT_EQ(changed(out, image, QRect(6, 0, 8, 6), true), 0) << "beyond the kernel's reach";
     EXPECT_EQ(SharpenImage(plain(5, 5, qRgba(1, 2, 3, 200))), plain(5, 5, qRgba(1, 2, 3, 200)));
-
     // What cannot be seen lends no colour, whatever colour it keeps.
-    QImage black = plain(12, 4, qRgba(90, 90, 90, 255));
-    QImage white = black;
-    for (int y = 0; y < 4; ++y) {
-        for (int x = 6; x < 12; ++x) {
-            black.setPixel(x, y, qRgba(0, 0, 0, 0));
-            white.setPixel(x, y, qRgba(255, 255, 255, 0));
-        }
+    for (const QRgb hidden : {qRgba(0, 0, 0, 0), qRgba(255, 255, 255, 0)}) {
+        const QImage half = painted(plain(12, 4, qRgba(90, 90, 90, 255)), QRect(6, 0, 6, 4), hidden);
+        EXPECT_EQ(changed(SharpenImage(half), half, QRect(0, 0, 6, 4)), 0) << hidden;
     }
-    EXPECT_EQ(changed(SharpenImage(black), black, QRect(0, 0, 6, 4)), 0);
-    EXPECT_EQ(changed(SharpenImage(white), white, QRect(0, 0, 6, 4)), 0);
 }
 
 TEST(BlurStage, OnlyTheRectangleChanges)
@@ -142,8 +136,8 @@ TEST(BlurStage, EdgesExpandedOrTransparent)
 
 TEST(BlurStage, ADotSpreadsEvenlyAndNoFurtherThanTheRadiusAndTwo)
 {
-    QImage image = plain(21, 21, qRgba(0, 0, 0, 255));
-    image.setPixel(10, 10, qRgba(255, 255, 255, 255));
+    const QImage image
+        = painted(plain(21, 21, qRgba(0, 0, 0, 255)), QRect(10, 10, 1, 1), qRgba(255, 255, 255, 255));
     const QImage out = ImageBlur(image, 4);
     EXPECT_EQ(changed(out, image, QRect(4, 4, 13, 13), true), 0);
     EXPECT_GT(qRed(out.pixel(6, 10)), 0) << "reaches at least the radius";
@@ -161,19 +155,10 @@ TEST(PlacementStage, CutRectangles)
         int x, y, w, h, style;
         QRect expect;
     };
-    const Case cases[] = {
-        {10, 20, 30, 40, 1, {10, 20, 30, 40}},
-        {10, 20, 30, 40, 3, {10, 20, 30, 40}},
-        {10, 20, 30, 40, 0, {}},
-        {10, 20, 30, 40, 7, {}},
-        {-1, 20, 30, 40, 1, {}},
-        {10, 20, 30, -1, 3, {}},
-        {-5, 0, 30, 40, 1, {0, 0, 30, 40}},
-        {90, 70, 30, 40, 1, {90, 70, 10, 10}},
-        {0, 0, 2147483647, 2147483647, 1, {0, 0, 100, 80}},
-        {100, 0, 5, 5, 1, {}},
-        {10, 10, 0, 5, 1, {}},
-    };
+    const Case cases[] = {{10, 20, 30, 40, 1, {10, 20, 30, 40}}, {10, 20, 30, 40, 3, {10, 20, 30, 40}},
+        {10, 20, 30, 40, 0, {}}, {10, 20, 30, 40, 7, {}}, {-1, 20, 30, 40, 1, {}}, {10, 20, 30, -1, 3, {}},
+        {-5, 0, 30, 40, 1, {0, 0, 30, 40}}, {90, 70, 30, 40, 1, {90, 70, 10, 10}},
+        {0, 0, 2147483647, 2147483647, 1, {0, 0, 100, 80}}, {100, 0, 5, 5, 1, {}}, {10, 10, 0, 5, 1, {}}};
     for (const Case &c : cases)
         EXPECT_EQ(CutRectangle(c.x, c.y, c.w, c.h, c.style, {100, 80}), c.expect) << c.x << "," << c.style;
 }
@@ -187,24 +172,13 @@ TEST(PlacementStage, CanvasColourIsBlueGreenRed)
     EXPECT_TRUE(CreateCanvas(0, 5, 0, 255).isNull());
 }
 
-// A 400 by 200 picture in three bands: red, green twice as wide, blue.
-QImage bands()
-{
-    QImage image = plain(400, 200, qRgba(0, 255, 0, 255));
-    for (int y = 0; y < 200; ++y) {
-        for (int x = 0; x < 100; ++x) {
-            image.setPixel(x, y, qRgba(255, 0, 0, 255));
-            image.setPixel(x + 300, y, qRgba(0, 0, 255, 255));
-        }
-    }
-    return image;
-}
-
 TEST(PlacementStage, WhereEachMethodPutsThePicture)
 {
     const QRgb back = qRgba(1, 2, 3, 255), red = qRgba(255, 0, 0, 255), green = qRgba(0, 255, 0, 255),
                blue = qRgba(0, 0, 255, 255);
-    const QImage picture = bands();
+    // Three bands: red, green twice as wide, blue.
+    const QImage picture
+        = painted(painted(plain(400, 200, green), QRect(0, 0, 100, 200), red), QRect(300, 0, 100, 200), blue);
     const auto place = [&](int style, QRect cut = {}) {
         return PlacePicture(picture, 100, 100, style, cut, 0x030201, 255, 5);
     };
@@ -242,15 +216,9 @@ TEST(PlacementStage, TheRandomFamilyMovesOnlyOnItsSidesAndRepeatsWithItsSeed)
         QRect cut;
         bool moves;
     };
-    const Case cases[] = {
-        {2, wide, {}, true},
-        {2, tall, {}, false},
-        {4, wide, {}, false},
-        {4, tall, {}, true},
-        {5, wide, {}, true},
-        {5, tall, {}, true},
-        {3, wide, QRect(0, 100, 400, 100), true},
-    };
+    const Case cases[]
+        = {{2, wide, {}, true}, {2, tall, {}, false}, {4, wide, {}, false}, {4, tall, {}, true},
+            {5, wide, {}, true}, {5, tall, {}, true}, {3, wide, QRect(0, 100, 400, 100), true}};
     for (const Case &c : cases) {
         std::set<int> places;
         for (quint32 seed = 0; seed < 40; ++seed) {
@@ -278,7 +246,7 @@ TEST(TornEdgeStage, TheRimGoesTheMiddleStays)
     const QImage torn = TearEdges(image, 6, 3);
     EXPECT_EQ(changed(torn, image, QRect(6, 6, 48, 28), false), 0);
     int rimLeft = 0, partly = 0;
-    for (int y = 0; y < 40; ++y) {
+    for (int y = 0; y < 40; ++y)
         for (int x = 0; x < 60; ++x) {
             const QRgb p = torn.pixel(x, y), q = image.pixel(x, y);
             ASSERT_EQ(p & 0xFFFFFF, q & 0xFFFFFF) << "colour stays";
@@ -287,7 +255,6 @@ TEST(TornEdgeStage, TheRimGoesTheMiddleStays)
                 rimLeft += qAlpha(p);
             partly += qAlpha(p) > 0 && qAlpha(p) < qAlpha(q);
         }
-    }
     EXPECT_EQ(rimLeft, 0);
     EXPECT_GT(partly, 20) << "a soft, ragged line";
     EXPECT_EQ(TearEdges(image, 6, 3), torn);
