@@ -55,9 +55,11 @@ struct DiskFile
     int fd = -1;
 };
 
+// libmspack may hand back a file it never opened, as a null handle: that is a closed descriptor,
+// on which every read, write and seek fails.
 int descriptor(mspack_file *file)
 {
-    return reinterpret_cast<DiskFile *>(file)->fd;
+    return file ? reinterpret_cast<DiskFile *>(file)->fd : -1;
 }
 
 mspack_file *diskOpen(mspack_system *, const char *name, int mode) noexcept
