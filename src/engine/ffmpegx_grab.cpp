@@ -151,6 +151,9 @@ void FFmpegX::startSheet(const QString &output, const QString &sourceFile, const
                 layout.header << line;
         }
     }
+    // A time past the end of a short source (a player's thumbnail at five seconds) takes its middle.
+    if (timePoint >= 0 && duration > 0 && timePoint >= duration)
+        timePoint = duration / 2;
     work->times = count == 1 ? QList<double> {timePoint >= 0 ? timePoint : duration / 10}
                              : imaging::SheetTimePoints(duration, count);
     if (count > 1 && ImageGrabber.ImageGrabberShowTimeString) {

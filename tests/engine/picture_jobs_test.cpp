@@ -208,6 +208,17 @@ TEST_F(PictureJobs, AFinishedJobLeavesItsContactSheetBesideTheOutput)
     ASSERT_TRUE(test::waitForJobEnd(ffx));
     EXPECT_EQ(QImage(tree.path(u"out/result.Thumb.jpg"_s)).size(), QSize(80, 60));
     EXPECT_EQ(rec.statuses.last().first, 2) << rec.statusLines().join(u" | "_s).toStdString();
+
+    // A player's format leaves its thumbnail: one frame, 160 by 120, when the core is the media tool.
+    ffx.ImageGrabber.ImageGrabberEnabled = false;
+    ffx.setCore(QStandardPaths::findExecutable(u"ffmpeg"_s));
+    ffx.FileOutput.ForceFormat = u"psp"_s;
+    ffx.setCommandComposer(
+        [&](int) { return u"cp "_s + QuoteForShell(video) + u' ' + QuoteForShell(output); });
+    ffx.StartProcess();
+    ASSERT_TRUE(test::waitForJobEnd(ffx));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QFileInfo::exists(tree.path(u"out/result.thm"_s)); }, 20000));
+    EXPECT_EQ(QImage(tree.path(u"out/result.thm"_s), "JPG").size(), QSize(160, 120));
 }
 
 } // namespace
