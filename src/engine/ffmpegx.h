@@ -11,6 +11,7 @@
 #include "engine/job_settings.h"
 #include "engine/stream_probe.h"
 #include "engine/tool_command.h"
+#include "imaging/image_conversion.h"
 
 #include <QImage>
 #include <QObject>
@@ -371,6 +372,8 @@ private:
     // Converts a subtitle for the script path into target; "" after raising the failure.
     QString convertForScript(const QString &source, const QString &target);
 
+    // How the picture loader tells and reads a video: by the video suffixes, a frame a tenth in.
+    imaging::ConversionHooks pictureHooks();
     // The image branch: the files converted (several stitched) into output by the image families.
     bool ImageConversion(const QStringList &files, const QString &output, const QString &format);
     // The sheet in the making, one frame per event-loop turn; done runs after its end.

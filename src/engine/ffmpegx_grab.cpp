@@ -4,6 +4,7 @@
 #include "engine/ffmpegx_sheet.h"
 #include "engine/status_codes.h"
 #include "imaging/contact_sheet.h"
+#include "imaging/drawing_colors.h"
 #include "imaging/image_encoder.h"
 #include "imaging/target_size_rule.h"
 #include "subtitle/overlay_script.h"
@@ -23,14 +24,6 @@ namespace qb::engine {
 namespace {
 
 constexpr int kSuspendPollMs = 1;
-
-qint32 colorNumber(const QString &text)
-{
-    QString hex = text.trimmed();
-    if (hex.startsWith(u"&H"_s, Qt::CaseInsensitive))
-        hex = hex.mid(2);
-    return qint32(hex.toUInt(nullptr, 16) & 0xFFFFFF);
-}
 
 bool splitGrid(const QString &matrix, int &columns, int &rows)
 {
@@ -130,8 +123,8 @@ void FFmpegX::startSheet(const QString &output, const QString &sourceFile, const
     const subtitle::OverlayFont font = subtitle::ParseOverlayFont(ImageGrabber.ImageGrabberTextFont);
     layout.fontName = font.name;
     layout.fontSize = font.size;
-    layout.foreColor = colorNumber(ImageGrabber.ImageGrabberForeColor);
-    layout.backColor = colorNumber(ImageGrabber.ImageGrabberBackColor);
+    layout.foreColor = imaging::ColorTextToNumber(ImageGrabber.ImageGrabberForeColor);
+    layout.backColor = imaging::ColorTextToNumber(ImageGrabber.ImageGrabberBackColor);
     layout.backStyle = ImageGrabber.ImageGrabberBackStyle;
     layout.comment = ImageGrabber.ImageGrabberCommentString;
     const int count = layout.columns * layout.rows;

@@ -63,11 +63,17 @@ imaging::ProcessSettings processSettings(const QString &sTargetSize, int lStyle,
 
 } // namespace
 
-bool FFmpegX::ImageConversion(const QStringList &files, const QString &output, const QString &format)
+imaging::ConversionHooks FFmpegX::pictureHooks()
 {
     imaging::ConversionHooks hooks;
     hooks.isVideo = [this](const QString &file) { return HasListedSuffix(file, Video.VideoSuffixSupported); };
     hooks.grabFrame = [this](const QString &file) { return GetVideoFrame(file, -1); };
+    return hooks;
+}
+
+bool FFmpegX::ImageConversion(const QStringList &files, const QString &output, const QString &format)
+{
+    imaging::ConversionHooks hooks = pictureHooks();
     hooks.progress = [this](int done, int count) { Q_EMIT ImageProgress(done, count); };
     return imaging::ImageConversion(
         files, output, ConversionSettingsOf(Image, ImageWatermark, format), hooks);

@@ -3,6 +3,7 @@
 #include "engine/ffmpegx.h"
 #include "engine/stream_probe.h"
 #include "imaging/image_container.h"
+#include "imaging/image_conversion.h"
 #include "imaging/image_encoder.h"
 
 namespace qb::engine {
@@ -39,9 +40,8 @@ void FFmpegX::ShutdownGDIP(qint64 &lToken)
 
 QImage FFmpegX::LoadStdPictureFromFile(const QString &FileName)
 {
-    return imaging::LoadImageToGdip(
-        FileName, [this](const QString &file) { return HasListedSuffix(file, Video.VideoSuffixSupported); },
-        [this](const QString &file) { return GetVideoFrame(file, -1); });
+    const imaging::ConversionHooks hooks = pictureHooks();
+    return imaging::LoadImageToGdip(FileName, hooks.isVideo, hooks.grabFrame);
 }
 
 bool FFmpegX::ConvertImageToStdPicture(const QImage &hImage, QImage &hTargetImage)

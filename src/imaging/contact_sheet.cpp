@@ -1,5 +1,7 @@
 #include "imaging/contact_sheet.h"
 
+#include "imaging/drawing_colors.h"
+
 #include <QFont>
 #include <QGuiApplication>
 #include <QLinearGradient>
@@ -10,11 +12,6 @@
 namespace qb::imaging {
 
 namespace {
-
-QColor colorOf(qint32 color)
-{
-    return QColor(color & 0xFF, (color >> 8) & 0xFF, (color >> 16) & 0xFF);
-}
 
 bool canDrawText()
 {
@@ -67,8 +64,8 @@ QImage DrawContactSheet(const QList<QImage> &frames, const SheetSettings &settin
     if (size.width() < 1 || size.height() < 1 || settings.columns < 1 || settings.rows < 1)
         return {};
     QImage sheet(size, QImage::Format_RGB32);
-    const QColor back = colorOf(settings.backColor);
-    const QColor shifted = colorOf(ShiftColor(settings.backColor, 48));
+    const QColor back = DrawingColor(settings.backColor);
+    const QColor shifted = DrawingColor(ShiftColor(settings.backColor, 48));
     QPainter painter(&sheet);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     if (settings.backStyle == 1 || settings.backStyle == 2) {
@@ -100,7 +97,7 @@ QImage DrawContactSheet(const QList<QImage> &frames, const SheetSettings &settin
     QFont font(settings.fontName);
     font.setPixelSize(std::max(1, settings.fontSize));
     painter.setFont(font);
-    const QColor fore = colorOf(settings.foreColor);
+    const QColor fore = DrawingColor(settings.foreColor);
     if (headerHeight > 0) {
         drawShadowedText(painter, QRect(margin / 2 + 4, 4, size.width() - margin - 8, headerHeight - 8),
             Qt::AlignLeft | Qt::AlignVCenter, settings.header.join(u'\n'), fore);

@@ -1,5 +1,6 @@
 #include "imaging/image_conversion.h"
 
+#include "imaging/drawing_colors.h"
 #include "imaging/histogram_stage.h"
 #include "imaging/jpeg_metadata.h"
 #include "imaging/stitch_layout.h"
@@ -21,11 +22,6 @@ namespace {
 bool clearCanvas(const QString &format)
 {
     return format.toLower() == u"png"_s;
-}
-
-QColor colorOf(qint32 color, int alpha)
-{
-    return QColor(color & 0xFF, (color >> 8) & 0xFF, (color >> 16) & 0xFF, alpha);
 }
 
 // One file through the chain up to its text lines, on the canvas its format asks for.
@@ -59,7 +55,7 @@ QImage convertOne(
     process.backAlpha = 0;
     const QImage processed = ProcessImage(source, process);
     QImage canvas(processed.size(), QImage::Format_ARGB32_Premultiplied);
-    canvas.fill(clearCanvas(s.encoderFormat) ? QColor(Qt::transparent) : colorOf(s.backColor, 255));
+    canvas.fill(clearCanvas(s.encoderFormat) ? QColor(Qt::transparent) : DrawingColor(s.backColor, 255));
     QPainter painter(&canvas);
     painter.setOpacity(std::clamp(s.alpha, 0, 255) / 255.0);
     painter.drawImage(0, 0, processed);
