@@ -55,7 +55,11 @@ protected:
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, tree.path(u"settings"_s));
         InitializeApplicationContext();
         gMakeCabPath = QStringLiteral(QB_MAKECAB_PATH);
-        // Each test its own version, so that no other instance is found.
+        // The single-instance rendezvous ignores the patch number and lives in the temporary
+        // folder, so each test gets a folder of its own: tests run side by side in processes of
+        // their own must not find each other as the first instance.
+        savedTemp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", tree.makeDir(u"tmp"_s).toUtf8());
         const auto *info = ::testing::UnitTest::GetInstance()->current_test_info();
         QCoreApplication::setApplicationVersion(
             u"3.4.%1"_s.arg(qHash(QString::fromUtf8(info->name())) % 1000 + 1));
@@ -63,9 +67,15 @@ protected:
         ASSERT_TRUE(window->Load({}));
         window->bench().FFmpegX1().setpriority(32);
     }
+    QByteArray savedTemp;
+
     void TearDown() override
     {
         window.reset();
+        if (savedTemp.isEmpty())
+            qunsetenv("TMPDIR");
+        else
+            qputenv("TMPDIR", savedTemp);
         QCoreApplication::setApplicationVersion(QString());
     }
     test::TempTree tree;
