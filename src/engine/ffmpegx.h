@@ -8,6 +8,7 @@
 #include "engine/console_scan.h"
 #include "engine/engine_properties.h"
 #include "engine/engine_texts.h"
+#include "engine/ffmpeg_composer.h"
 #include "engine/job_settings.h"
 #include "engine/stream_probe.h"
 #include "engine/tool_command.h"
@@ -242,6 +243,15 @@ public:
     // The platform's rotate-and-flip codes 0 to 7.
     bool FlipImagefromStdPicture(const QImage &hSourceImage, QImage &hTargetImage, int lRotateFlip);
 
+    // The command for a pass (0 single, 1 and 2 of two passes): the encoder's own, or the host's
+    // template in CommandLine with its macros expanded. It names the output, renders the overlays
+    // and converts the subtitles the filter chain burns in, writes the test scripts in TestMode and
+    // raises ScriptChange. "" when the tool cannot make the job's format (StartProcess then says
+    // why); StartProcess always passes UseFilterScale True.
+    QString ComposeCommand(int Pass, bool UseFilterScale);
+    // The MP4 muxer's language for an index or a word: the word, with its code in code.
+    QString ChooseMp4BoxLanguage(const QString &value, QString &code) const;
+
     // The name of a status code; "" for 10, 11 and anything above 9.
     static QString GetStatusString(int Status);
 
@@ -276,7 +286,7 @@ public:
     QString GetWindowsTempDirectory() const;
 
     // Seams. The composer turns the job into a command for a pass (0 single, 1 and 2 of a
-    // two-pass run); without one a composed job has no command and fails to start. A job composer
+    // two-pass run); without one the built-in composer makes it (ComposeCommand). A job composer
     // is the pure form: it sees a copy of the job's settings and hands back program and arguments.
     // The interpreter reads the tool's output (today's console scan unless set). The clock gives
     // the local time of day; tests move it across midnight.
@@ -335,6 +345,17 @@ private:
     QString startOutputFileName() const;
     bool sourceIsSupportedImage() const;
     ComposedCommand composeCommand(int pass);
+    // The built-in composer; sets m_refusal when the tool cannot make the job.
+    ComposedCommand composeBuiltIn(int pass, bool useFilterScale);
+    FilterFiles prepareFilterFiles(QSize target);
+    // A subtitle converted into the script the filter chain burns in; its bare name, or "" after
+    // raising the failure.
+    QString burnInSubtitle(const QString &source, const QString &target, QSize frame, const QString &font,
+        const QString &foreColor, const QString &outlineColor, const QString &shadowColor, int outline,
+        int shadow, quint8 alpha, int align);
+    void writeTestScripts(const QString &command);
+    // Ends a job that cannot start: the reason, and the job's state as before it.
+    void refuseJob(const QString &reason);
     void finishStartProcess();
     void runPassTwo();
 
@@ -418,6 +439,9 @@ private:
     QString m_tempBase;
     std::array<QString, 9> m_tempFiles;
     QString m_inputName;
+    FilterFiles m_filterFiles; // what the first pass prepared, for the second
+    QString m_refusal;
+    QString m_composedText;
 
     bool m_jobActive = false;
     std::unique_ptr<Round> m_round; // the tool run of the pass under way

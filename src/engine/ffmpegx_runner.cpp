@@ -139,11 +139,16 @@ void FFmpegX::StartProcess()
         return;
     }
     m_cancelRequested = false;
-    if (!Job.Twopass) {
-        runCommand(composeCommand(0), [this] { finishStartProcess(); });
+    const ComposedCommand first = composeCommand(Job.Twopass ? 1 : 0);
+    if (!m_refusal.isEmpty()) {
+        refuseJob(m_refusal);
         return;
     }
-    runCommand(composeCommand(1), [this] {
+    if (!Job.Twopass) {
+        runCommand(first, [this] { finishStartProcess(); });
+        return;
+    }
+    runCommand(first, [this] {
         // The first pass's output is a throw-away.
         if (util::FileExists(FileOutput.OutputFileName))
             QFile::remove(FileOutput.OutputFileName);
@@ -157,7 +162,20 @@ void FFmpegX::runPassTwo()
         finishStartProcess();
         return;
     }
-    runCommand(composeCommand(2), [this] { finishStartProcess(); });
+    const ComposedCommand second = composeCommand(2);
+    if (!m_refusal.isEmpty()) {
+        refuseJob(m_refusal);
+        return;
+    }
+    runCommand(second, [this] { finishStartProcess(); });
+}
+
+void FFmpegX::refuseJob(const QString &reason)
+{
+    raiseStatus(kError, reason);
+    m_jobActive = false;
+    m_processing = false;
+    m_commandLine.clear();
 }
 
 void FFmpegX::finishStartProcess()
@@ -178,11 +196,14 @@ void FFmpegX::finishStartProcess()
 
 ComposedCommand FFmpegX::composeCommand(int pass)
 {
+    m_refusal.clear();
     m_twoPassStatus = QString::number(pass);
     m_processing = true;
-    ComposedCommand command = m_composer ? m_composer(pass) : ComposedCommand();
+    ComposedCommand command = m_composer ? m_composer(pass) : composeBuiltIn(pass, true);
+    m_processing = true;
     // Not gated: hosts log the commands even when they silence the job.
-    Q_EMIT ScriptChange(command.text);
+    if (m_refusal.isEmpty())
+        Q_EMIT ScriptChange(command.text);
     return command;
 }
 
