@@ -2,6 +2,7 @@
 // file, our cabinet maker and the job engine, exactly as in the window; only the surfaces differ.
 #include "cli/cab_create_command.h"
 #include "cli/exit_status.h"
+#include "cli/interrupt_watch.h"
 
 #include "engine/status_codes.h"
 #include "util/process_priority.h"
@@ -231,57 +232,6 @@ FileIdentity identityOf(const QString &path)
         return {};
     return {true, st.st_dev, st.st_ino, st.st_mtim};
 }
-
-// Interrupt signals reach the event loop through a pipe, so that the build is cancelled and its
-// debris removed before the command ends.
-int g_signalPipe[2] = {-1, -1};
-
-void onInterrupt(int signal)
-{
-    const unsigned char byte = static_cast<unsigned char>(signal);
-    [[maybe_unused]] const ssize_t n = ::write(g_signalPipe[1], &byte, 1);
-}
-
-class InterruptWatch
-{
-public:
-    InterruptWatch()
-    {
-        if (::pipe2(g_signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
-            return;
-        struct sigaction action
-        {
-        };
-        action.sa_handler = onInterrupt;
-        sigemptyset(&action.sa_mask);
-        for (size_t i = 0; i < std::size(kSignals); ++i)
-            ::sigaction(kSignals[i], &action, &m_previous[i]);
-        m_notifier = std::make_unique<QSocketNotifier>(g_signalPipe[0], QSocketNotifier::Read);
-    }
-    ~InterruptWatch()
-    {
-        m_notifier.reset();
-        if (g_signalPipe[0] < 0)
-            return;
-        for (size_t i = 0; i < std::size(kSignals); ++i)
-            ::sigaction(kSignals[i], &m_previous[i], nullptr);
-        ::close(g_signalPipe[0]);
-        ::close(g_signalPipe[1]);
-        g_signalPipe[0] = g_signalPipe[1] = -1;
-    }
-    QSocketNotifier *notifier() const { return m_notifier.get(); }
-    // The signal that arrived, 0 for none.
-    int take()
-    {
-        unsigned char byte = 0;
-        return ::read(g_signalPipe[0], &byte, 1) == 1 ? int(byte) : 0;
-    }
-
-private:
-    static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
-    struct sigaction m_previous[std::size(kSignals)] {};
-    std::unique_ptr<QSocketNotifier> m_notifier;
-};
 
 } // namespace
 

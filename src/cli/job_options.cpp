@@ -154,6 +154,8 @@ const Option kOptions[] = {
         [](FFmpegX &e, const QString &v) {
             e.ImageWatermark.ImageWatermarkTextEnabled = true;
             e.ImageWatermark.ImageWatermarkTextString = v;
+            e.AVFilter.AVFilterTextEnabled = true;
+            e.AVFilter.AVFilterTextString = v;
             e.AVS.AVSSubtitleEnableLogo = true;
             e.AVS.AVSSubtitleStringLogo = v;
             return QString();
@@ -163,6 +165,8 @@ const Option kOptions[] = {
             const QString file = QFileInfo(v).absoluteFilePath();
             e.ImageWatermark.ImageWatermarkImageEnabled = true;
             e.ImageWatermark.ImageWatermarkImageFile = file;
+            e.AVFilter.AVFilterImageEnabled = true;
+            e.AVFilter.AVFilterImageFile = file;
             e.AVS.AVSLogoImage = true;
             e.AVS.AVSLogoImageFileName = file;
             return existingFile(v);

@@ -19,7 +19,8 @@ bool drawsPictures(int argc, char **argv)
 {
     return argc > 1
         && (qstrcmp(argv[1], "image") == 0
-            || (qstrcmp(argv[1], "media") == 0 && argc > 2 && qstrcmp(argv[2], "sheet") == 0));
+            || (qstrcmp(argv[1], "media") == 0 && argc > 2
+                && (qstrcmp(argv[2], "sheet") == 0 || qstrcmp(argv[2], "convert") == 0)));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "cli/media_command.h"
 #include "cli/exit_status.h"
 
+#include "cli/media_convert_command.h"
 #include "cli/media_overlay_command.h"
 #include "cli/media_sheet_command.h"
 #include "engine/ffmpegx.h"
@@ -17,7 +18,10 @@ namespace qb::cli {
 namespace {
 
 const char *const kMediaUsage = "usage: quillbox media tools [PATH...]\n"
-                                "       quillbox media probe FILE... [--json] [--core PATH]\n";
+                                "       quillbox media probe FILE... [--json] [--core PATH]\n"
+                                "       quillbox media convert SRC... --format NAME [options] [--dry-run]\n"
+                                "       quillbox media formats [--core PATH]\n"
+                                "       quillbox media overlay | avs | sheet ...\n";
 
 int usage(QTextStream &err, const QString &problem)
 {
@@ -169,8 +173,12 @@ int RunMediaCommand(const QStringList &arguments, QTextStream &out, QTextStream 
         return RunAvsCommand(arguments.mid(1), out, err);
     if (verb == QLatin1String("sheet"))
         return RunSheetCommand(arguments.mid(1), out, err);
+    if (verb == QLatin1String("convert"))
+        return RunConvertCommand(arguments.mid(1), out, err);
+    if (verb == QLatin1String("formats"))
+        return RunFormatsCommand(arguments.mid(1), out, err);
     return usage(err,
-        verb.isEmpty() ? QStringLiteral("media needs tools, probe, overlay, avs or sheet")
+        verb.isEmpty() ? QStringLiteral("media needs tools, probe, convert, formats, overlay, avs or sheet")
                        : QStringLiteral("unknown media command: ") + verb);
 }
 

@@ -227,6 +227,8 @@ void ScanToolOutput(
     }
     const QString lowered = line.toLower();
     for (const PercentLine &percent : kPercentLines) {
+        if (context.timePositionsOnly)
+            break;
         const QString start = QString::fromUtf16(percent.start);
         if (percent.contains ? !lowered.contains(start) : !lowered.startsWith(start))
             continue;

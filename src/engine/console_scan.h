@@ -24,6 +24,9 @@ struct ScanContext
     double Duration = 0; // seconds, from the last probe
     QString FileInfo; // "|" joins several inputs
     QString CommandLine;
+    // The encoder's own composed command runs: it reports time positions only, so the percentage
+    // tools' rules would only misread its metadata (a chunk may start inside "isom...").
+    bool timePositionsOnly = false;
     // Replaceable user texts, with their default values.
     QString StringContent14 = QStringLiteral("输出文件未设置包含任何数据流");
     QString StringContent16 = QStringLiteral("无法重新采样");

@@ -102,63 +102,62 @@ constexpr const char16_t *kTargets
 
 // clang-format off
 const FormatRow kLegacyRows[] = {
-    {kTargets, u"", u"", u" -target {name}", u"mpg", nullptr, nullptr, nullptr, false, u"", u"", u"", SizeRule::Free, nullptr},
-    {u"mkv", u"{Vq}", u"{Aq}", u" -f matroska", u"mkv", nullptr, nullptr, nullptr, false, u"matroska", u"", u"", SizeRule::Free, nullptr},
-    {u"divx", u"{Vq}", u"{Aq}", u" -vtag divx -f avi", u"avi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free, nullptr},
-    {u"xvid", u"{Vq}", u"{Aq}", u" -vtag xvid -f avi", u"avi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free, nullptr},
-    {u"rawavi", u"{Vq}", u"{Aq}", u" -f avi", u"avi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free, nullptr},
-    {u"h263", u"{Vq}", u"{Aq}", u" -f 3gp", u"3gp", nullptr, nullptr, nullptr, false, u"3gp", u"", u"", SizeRule::Free, nullptr},
-    {u"h264", u"{Vq}", u"{Aq}", u"", u"mp4", nullptr, nullptr, nullptr, false, u"mp4", u"", u"", SizeRule::Free, nullptr},
-    {u"wmv|asf", u"{Vq}", u"{Aq}", u" -f asf", u"{name}", nullptr, nullptr, nullptr, false, u"asf", u"", u"", SizeRule::Free, nullptr},
-    {u"wma", u" -vn", u"{Aq}", u"", u"{name}", nullptr, nullptr, nullptr, false, u"asf", u"", u"", SizeRule::Free, nullptr},
-    {u"mp4s", u"{Vq}", u"{Aq}", u" -vtag MP4S -f asf", u"asf", nullptr, nullptr, nullptr, false, u"asf", u"", u"", SizeRule::Free, nullptr},
-    {u"rm", u"{Vq}", u"{Aq}", u" -f rm", u"rm", nullptr, nullptr, nullptr, false, u"rm", u"", u"", SizeRule::Free, nullptr},
-    {u"psp", u"{Vq}", u"{Aq}", u" -f psp", u"mp4", nullptr, nullptr, nullptr, false, u"psp", u"", u"", SizeRule::Free, nullptr},
-    {u"ipod|iphone", u"{Vq}", u"{Aq}", u" -f ipod", u"m4v", nullptr, nullptr, nullptr, false, u"ipod", u"", u"", SizeRule::Free, nullptr},
-    {u"svi", u"{Vq}", u"{Aq}", u" -f avi", u"svi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free, nullptr},
-    {u"mp3|mp2|flac|amr", u" -vn", u"{Aq}", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"{name}", u"", u"", SizeRule::Free, nullptr},
-    {u"ac3", u" -vn", u"{AR} -ar 48000{CH}", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"ac3", u"", u"", SizeRule::Free, nullptr},
-    {u"aac|m4a", u" -vn", u"{Aq}", u" -f mp4", u"{name}", nullptr, nullptr, u" -c:a aac", false, u"mp4", u"", u"aac", SizeRule::Free, nullptr},
-    {u"wav", u" -vn", u"{SR}{CH}", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"wav", u"", u"", SizeRule::Free, nullptr},
-    {u"ogg", u" -vn", u"{AR}{SR} -ac 2 ", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"ogg", u"", u"", SizeRule::Free, nullptr},
-    {u"gif", u"{Vq}", u" -an", u" -pix_fmt rgb24 -loop 0 -f gif", u"gif", nullptr, nullptr, nullptr, false, u"gif", u"", u"", SizeRule::Free, nullptr},
-    {u"mpeg-ts", u"{Vq}", u"{Aq}", u" -f mpegts", u"ts", nullptr, nullptr, nullptr, false, u"mpegts", u"", u"", SizeRule::Free, nullptr},
-    {u"mjpeg", u"{Vq}", u"{Aq}", u" -strict -1 -f avi", u"avi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free, nullptr},
-    {u"png", u"", u" -an", u" -vframes 1", u"png", nullptr, nullptr, nullptr, false, u"", u"", u"", SizeRule::Free, nullptr},
-    {u"video", u" -c:v copy", u" -an", u"", u"{src}", u"mpg", nullptr, nullptr, true, u"", u"", u"", SizeRule::Free, nullptr},
-    {u"audio", u" -vn", u" -c:a copy", u"", u"{src}", u"ac3", nullptr, nullptr, true, u"", u"", u"", SizeRule::Free, nullptr},
+    {kTargets, u"", u"", u" -target {name}", u"mpg", nullptr, nullptr, nullptr, false, u"", u"", u"", SizeRule::Free},
+    {u"mkv", u"{Vq}", u"{Aq}", u" -f matroska", u"mkv", nullptr, nullptr, nullptr, false, u"matroska", u"", u"", SizeRule::Free},
+    {u"divx", u"{Vq}", u"{Aq}", u" -vtag divx -f avi", u"avi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free},
+    {u"xvid", u"{Vq}", u"{Aq}", u" -vtag xvid -f avi", u"avi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free},
+    {u"rawavi", u"{Vq}", u"{Aq}", u" -f avi", u"avi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free},
+    {u"h263", u"{Vq}", u"{Aq}", u" -f 3gp", u"3gp", nullptr, nullptr, nullptr, false, u"3gp", u"", u"", SizeRule::Free},
+    {u"h264", u"{Vq}", u"{Aq}", u"", u"mp4", nullptr, nullptr, nullptr, false, u"mp4", u"", u"", SizeRule::Free},
+    {u"wmv|asf", u"{Vq}", u"{Aq}", u" -f asf", u"{name}", nullptr, nullptr, nullptr, false, u"asf", u"", u"", SizeRule::Free},
+    {u"wma", u" -vn", u"{Aq}", u"", u"{name}", nullptr, nullptr, nullptr, false, u"asf", u"", u"", SizeRule::Free},
+    {u"mp4s", u"{Vq}", u"{Aq}", u" -vtag MP4S -f asf", u"asf", nullptr, nullptr, nullptr, false, u"asf", u"", u"", SizeRule::Free},
+    {u"rm", u"{Vq}", u"{Aq}", u" -f rm", u"rm", nullptr, nullptr, nullptr, false, u"rm", u"", u"", SizeRule::Free},
+    {u"psp", u"{Vq}", u"{Aq}", u" -f psp", u"mp4", nullptr, nullptr, nullptr, false, u"psp", u"", u"", SizeRule::Free},
+    {u"ipod|iphone", u"{Vq}", u"{Aq}", u" -f ipod", u"m4v", nullptr, nullptr, nullptr, false, u"ipod", u"", u"", SizeRule::Free},
+    {u"svi", u"{Vq}", u"{Aq}", u" -f avi", u"svi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free},
+    {u"mp3|mp2|flac|amr", u" -vn", u"{Aq}", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"{name}", u"", u"", SizeRule::Free},
+    {u"ac3", u" -vn", u"{AR} -ar 48000{CH}", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"ac3", u"", u"", SizeRule::Free},
+    {u"aac|m4a", u" -vn", u"{Aq}", u" -f mp4", u"{name}", nullptr, nullptr, u" -c:a aac", false, u"mp4", u"", u"aac", SizeRule::Free},
+    {u"wav", u" -vn", u"{SR}{CH}", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"wav", u"", u"", SizeRule::Free},
+    {u"ogg", u" -vn", u"{AR}{SR} -ac 2 ", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"ogg", u"", u"", SizeRule::Free},
+    {u"gif", u"{Vq}", u" -an", u" -pix_fmt rgb24 -loop 0 -f gif", u"gif", nullptr, nullptr, nullptr, false, u"gif", u"", u"", SizeRule::Free},
+    {u"mpeg-ts", u"{Vq}", u"{Aq}", u" -f mpegts", u"ts", nullptr, nullptr, nullptr, false, u"mpegts", u"", u"", SizeRule::Free},
+    {u"mjpeg", u"{Vq}", u"{Aq}", u" -strict -1 -f avi", u"avi", nullptr, nullptr, nullptr, false, u"avi", u"", u"", SizeRule::Free},
+    {u"png", u"", u" -an", u" -vframes 1", u"png", nullptr, nullptr, nullptr, false, u"", u"", u"", SizeRule::Free},
+    {u"video", u" -c:v copy", u" -an", u"", u"{src}", u"mpg", nullptr, nullptr, true, u"", u"", u"", SizeRule::Free},
+    {u"audio", u" -vn", u" -c:a copy", u"", u"{src}", u"ac3", nullptr, nullptr, true, u"", u"", u"", SizeRule::Free},
     {u"palm(428x320)", u" -r 29.97 -s 428x320 -aspect 4:3", u" -ar 44100 -ab 80k -ac 2",
         u" -maxrate 550k -b:v 500k -qmin 3 -qmax 5 -bufsize 4096 -mbd 2 -flags +4mv -trellis -aic -cmp 2 -subcmp 2 -g 300",
-        u"mp4", nullptr, u" -c:v libxvid", u" -c:a aac", true, u"mp4", u"libxvid", u"aac", SizeRule::Free, nullptr},
+        u"mp4", nullptr, u" -c:v libxvid", u" -c:a aac", true, u"mp4", u"libxvid", u"aac", SizeRule::Free},
     {u"palm(480x320)", u" -r 29.97 -s 480x320 -aspect 3:2", u" -ar 44100 -ab 80k -ac 2",
         u" -maxrate 450k -b:v 430k -qmin 3 -qmax 5 -bufsize 4096 -mbd 2 -flags +4mv -trellis -aic -cmp 2 -subcmp 2 -g 300",
-        u"mp4", nullptr, u" -c:v libxvid", u" -c:a aac", true, u"mp4", u"libxvid", u"aac", SizeRule::Free, nullptr},
-    {u"copy", u"", u"", u"", u"{src}", u"mpg", u" -c:v copy", u" -c:a copy", true, u"", u"", u"", SizeRule::Free, nullptr},
-    {u"*", u"{Vq}", u"{Aq}", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"{name}", u"", u"", SizeRule::Free, nullptr},
-    {u"", u"{Vq}", u"{Aq}", u"", u"{src}", u"mpg", nullptr, nullptr, false, u"", u"", u"", SizeRule::Free, nullptr},
+        u"mp4", nullptr, u" -c:v libxvid", u" -c:a aac", true, u"mp4", u"libxvid", u"aac", SizeRule::Free},
+    {u"copy", u"", u"", u"", u"{src}", u"mpg", u" -c:v copy", u" -c:a copy", true, u"", u"", u"", SizeRule::Free},
+    {u"*", u"{Vq}", u"{Aq}", u" -f {name}", u"{name}", nullptr, nullptr, nullptr, false, u"{name}", u"", u"", SizeRule::Free},
+    {u"", u"{Vq}", u"{Aq}", u"", u"{src}", u"mpg", nullptr, nullptr, false, u"", u"", u"", SizeRule::Free},
 };
 
 // Today's rows where the legacy spelling fails or misreads (measured on ffmpeg 5.1): 3gp defaults
 // to an AMR audio encoder Debian lacks and H.263 takes only its standard sizes; RealVideo needs
 // sides in multiples of 16; the avi muxer's default codec is no Motion JPEG; the GIF encoder has
 // no rgb24; the palm rows' "-trellis -aic" read "-aic" as the trellis value and the buffer size
-// was bits; "MP4S" is the MPEG-4 encoder's tag in ASF; DV knows no film frame rate.
+// was bits, and "-flags +4mv" reached the audio encoder too; "MP4S" is the MPEG-4 encoder's tag
+// in ASF.
 const FormatRow kTodayRows[] = {
-    {u"film-dv", u"", u"", u" -target {name}", u"mpg", nullptr, nullptr, nullptr, false, u"", u"", u"", SizeRule::Free,
-        u"DV has no film frame rate: use pal-dv or ntsc-dv"},
-    {u"h263", u"{Vq}", u"{Aq}", u" -f 3gp", u"3gp", nullptr, u" -c:v h263", u" -c:a aac", false, u"3gp", u"h263", u"aac", SizeRule::H263Sizes, nullptr},
-    {u"mp4s", u"{Vq}", u"{Aq}", u" -vtag MP4S -f asf", u"asf", nullptr, u" -c:v mpeg4", nullptr, false, u"asf", u"mpeg4", u"", SizeRule::Free, nullptr},
-    {u"rm", u"{Vq}", u"{Aq}", u" -f rm", u"rm", nullptr, nullptr, nullptr, false, u"rm", u"rv10", u"ac3", SizeRule::Multiple16, nullptr},
-    {u"gif", u"{Vq}", u" -an", u" -loop 0 -f gif", u"gif", nullptr, nullptr, nullptr, false, u"gif", u"gif", u"", SizeRule::Free, nullptr},
-    {u"mjpeg", u"{Vq}", u"{Aq}", u" -strict -1 -f avi", u"avi", nullptr, u" -c:v mjpeg", nullptr, false, u"avi", u"mjpeg", u"", SizeRule::Free, nullptr},
-    {u"amr", u" -vn", u"{Aq}", u" -f amr", u"amr", nullptr, nullptr, u" -c:a libopencore_amrnb", false, u"amr", u"", u"libopencore_amrnb", SizeRule::Free, nullptr},
-    {u"ogg", u" -vn", u"{AR}{SR} -ac 2 ", u" -f {name}", u"{name}", nullptr, nullptr, u" -c:a libvorbis", false, u"ogg", u"", u"libvorbis", SizeRule::Free, nullptr},
+    {u"h263", u"{Vq}", u"{Aq}", u" -f 3gp", u"3gp", nullptr, u" -c:v h263", u" -c:a aac", false, u"3gp", u"h263", u"aac", SizeRule::H263Sizes},
+    {u"mp4s", u"{Vq}", u"{Aq}", u" -vtag MP4S -f asf", u"asf", nullptr, u" -c:v mpeg4", nullptr, false, u"asf", u"mpeg4", u"", SizeRule::Free},
+    {u"rm", u"{Vq}", u"{Aq}", u" -f rm", u"rm", nullptr, nullptr, nullptr, false, u"rm", u"rv10", u"ac3", SizeRule::Multiple16},
+    {u"gif", u"{Vq}", u" -an", u" -loop 0 -f gif", u"gif", nullptr, nullptr, nullptr, false, u"gif", u"gif", u"", SizeRule::Free},
+    {u"mjpeg", u"{Vq}", u"{Aq}", u" -strict -1 -f avi", u"avi", nullptr, u" -c:v mjpeg", nullptr, false, u"avi", u"mjpeg", u"", SizeRule::Free},
+    {u"amr", u" -vn", u"{Aq}", u" -f amr", u"amr", nullptr, nullptr, u" -c:a libopencore_amrnb", false, u"amr", u"", u"libopencore_amrnb", SizeRule::Free},
+    {u"ogg", u" -vn", u"{AR}{SR} -ac 2 ", u" -f {name}", u"{name}", nullptr, nullptr, u" -c:a libvorbis", false, u"ogg", u"", u"libvorbis", SizeRule::Free},
     {u"palm(428x320)", u" -r 29.97 -s 428x320 -aspect 4:3", u" -ar 44100 -b:a 80k -ac 2",
-        u" -maxrate 550k -b:v 500k -qmin 3 -qmax 5 -bufsize 4096k -mbd 2 -flags +4mv -trellis 1 -cmp 2 -subcmp 2 -g 300",
-        u"mp4", nullptr, u" -c:v libxvid", u" -c:a aac", true, u"mp4", u"libxvid", u"aac", SizeRule::Free, nullptr},
+        u" -maxrate 550k -b:v 500k -qmin 3 -qmax 5 -bufsize 4096k -mbd 2 -flags:v +mv4 -trellis 1 -cmp 2 -subcmp 2 -g 300",
+        u"mp4", nullptr, u" -c:v libxvid", u" -c:a aac", true, u"mp4", u"libxvid", u"aac", SizeRule::Free},
     {u"palm(480x320)", u" -r 29.97 -s 480x320 -aspect 3:2", u" -ar 44100 -b:a 80k -ac 2",
-        u" -maxrate 450k -b:v 430k -qmin 3 -qmax 5 -bufsize 4096k -mbd 2 -flags +4mv -trellis 1 -cmp 2 -subcmp 2 -g 300",
-        u"mp4", nullptr, u" -c:v libxvid", u" -c:a aac", true, u"mp4", u"libxvid", u"aac", SizeRule::Free, nullptr},
+        u" -maxrate 450k -b:v 430k -qmin 3 -qmax 5 -bufsize 4096k -mbd 2 -flags:v +mv4 -trellis 1 -cmp 2 -subcmp 2 -g 300",
+        u"mp4", nullptr, u" -c:v libxvid", u" -c:a aac", true, u"mp4", u"libxvid", u"aac", SizeRule::Free},
 };
 // clang-format on
 
@@ -224,8 +223,6 @@ QStringList FormatNames()
 
 QString MissingCapability(const FormatRow &row, const QString &name, const CoreFamily &core)
 {
-    if (row.lacking)
-        return fixed(row.lacking);
     const QString muxer = fixed(row.muxer).replace(u"{name}"_s, name);
     if (!muxer.isEmpty() && !core.CoreFormats.isEmpty() && !listHolds(core.CoreFormats, muxer))
         return u"the tool has no \"%1\" muxer"_s.arg(muxer);

@@ -76,7 +76,6 @@ struct FormatRow
     const char16_t *videoEncoder;
     const char16_t *audioEncoder;
     SizeRule sizeRule;
-    const char16_t *lacking; // why the row cannot be done at all by this generation, or nullptr
 };
 
 // The row a format name picks in a generation's table.

@@ -249,6 +249,8 @@ public:
     // raises ScriptChange. "" when the tool cannot make the job's format (StartProcess then says
     // why); StartProcess always passes UseFilterScale True.
     QString ComposeCommand(int Pass, bool UseFilterScale);
+    // Why the last composition gave no command, "" when it gave one.
+    QString Refusal() const { return m_refusal; }
     // The MP4 muxer's language for an index or a word: the word, with its code in code.
     QString ChooseMp4BoxLanguage(const QString &value, QString &code) const;
 

@@ -384,6 +384,8 @@ void FFmpegX::roundTail()
     context.Duration = m_duration;
     context.FileInfo = m_fileInfo;
     context.CommandLine = m_commandLine;
+    context.timePositionsOnly
+        = !m_composer && !m_onlyUseExtCommandLine && m_commandLine.isEmpty() && CoreState.CoreStatus == 1;
     context.StringContent14 = StringContent.StringContent14;
     context.StringContent16 = StringContent.StringContent16;
     context.StringContent19 = StringContent.StringContent19;

@@ -373,9 +373,6 @@ TEST(FFmpegTodayCommand, RowsTheToolCannotMakeAreRefusedByName)
             u"FFmpeg 5.1.9 cannot make the format \"amr\": the tool has no \"libopencore_amrnb\" audio "
             u"encoder."},
         {u"flv", u"", u"FFmpeg 5.1.9 cannot make the format \"flv\": the tool has no \"flv\" muxer."},
-        {u"film-dv", u"",
-            u"FFmpeg 5.1.9 cannot make the format \"film-dv\": DV has no film frame rate: use pal-dv or "
-            u"ntsc-dv."},
         {u"mkv", u"libtheora",
             u"FFmpeg 5.1.9 cannot make the format \"mkv\": the tool has no \"libtheora\" video encoder."},
         {u"mkv", u"", u""},
