@@ -292,6 +292,8 @@ void Composer::formatRow()
         AudioCodecSwitch = fixed(row.audioCodec);
     if (row.dropSize)
         SizeSwitch.clear();
+    if (row.videoFilter)
+        preItems << fixed(row.videoFilter);
 }
 
 void Composer::afterRow()
@@ -486,6 +488,10 @@ void Composer::filterChain()
             text = MovieB + u',' + text;
         if (!MovieA.isEmpty())
             text = MovieA + u',' + text;
+    } else if (MovieA.isEmpty() && MovieB.isEmpty()) {
+        const QStringList chain = items + after;
+        if (!chain.isEmpty())
+            text = u"[in]"_s + chain.join(u',') + u"[out]"_s;
     } else {
         // Each overlay takes the running picture first and its picture second.
         QString graph = u"[in]"_s + (items.isEmpty() ? u"null"_s : items.join(u','));
@@ -501,8 +507,7 @@ void Composer::filterChain()
         }
         if (!after.isEmpty())
             graph += u',' + after.join(u',');
-        if (!items.isEmpty() || !movies.isEmpty() || !after.isEmpty())
-            text = movies + graph + u"[out]"_s;
+        text = movies + graph + u"[out]"_s;
     }
     if (!text.isEmpty())
         FilterChain = u" -vf "_s + quoted(text);

@@ -76,6 +76,7 @@ struct FormatRow
     const char16_t *videoEncoder;
     const char16_t *audioEncoder;
     SizeRule sizeRule;
+    const char16_t *videoFilter; // a filter the row's picture needs first, or nullptr
 };
 
 // The row a format name picks in a generation's table.

@@ -273,7 +273,9 @@ QString FFmpegX::burnInSubtitle(const QString &source, const QString &target, QS
     style.fontItalic = parsed.italic ? 1 : 0;
     style.fontOutline = outline;
     style.fontShadow = shadow;
-    style.fontAlphaLevel = alpha;
+    // The family's alpha is opacity, as every overlay's is (255 opaque); the script's level is
+    // transparency, and the renderer here honours it.
+    style.fontAlphaLevel = quint8(255 - alpha);
     style.fontEncoding = 134;
     style.foreColor = qint32(util::Val(u"&H"_s + foreColor));
     style.effectColor = qint32(util::Val(u"&H"_s + outlineColor));

@@ -183,6 +183,11 @@ void FFmpegX::finishStartProcess()
     const auto end = [this] {
         m_jobActive = false;
         m_commandLine.clear();
+        // The encoder's notes from the first pass of a two-pass job.
+        if (!m_tempBase.isEmpty()) {
+            for (const char *suffix : {"-0.log", "-0.log.mbtree", "-0.log.temp", "-0.log.mbtree.temp"})
+                QFile::remove(m_tempBase + QLatin1String(suffix));
+        }
     };
     if (FileOutput.ForceFormat.compare(QStringLiteral("psp"), Qt::CaseInsensitive) == 0
         && CoreState.CoreStatus == 1) {

@@ -134,16 +134,17 @@ ConvertResult ConvertSubtitleFiles(const ConvertArguments &arguments, const Conv
         style.sourceFormatId = sourceId;
         int format = -1;
         const QString text = util::UEFLoadTextFile(source, format);
-        if (text.isEmpty() || !text.contains(QStringLiteral("\r\n")))
+        // Lines end in CR LF; a file without one is read by this system's line feed instead, as
+        // files written here end their lines. The piece behind the last line end is not read.
+        const QLatin1StringView lineEnd(text.contains(QStringLiteral("\r\n")) ? "\r\n" : "\n");
+        if (text.isEmpty() || !text.contains(lineEnd))
             return result;
-        // The piece behind the last line end is not read.
-        const QLatin1StringView lineEnd("\r\n");
         const qsizetype visited = text.count(lineEnd);
         qsizetype from = 0;
         for (qsizetype i = 0; i < visited; ++i) {
             const qsizetype to = text.indexOf(lineEnd, from);
             QString line = text.mid(from, to - from);
-            from = to + 2;
+            from = to + lineEnd.size();
             if (line.contains(u'\n') || line.contains(u'\r'))
                 line.remove(u'\n').remove(u'\r');
             if (arguments.internalCodeConversion != 0)

@@ -58,7 +58,8 @@ TEST_F(Convert, WhatEndsAConversionWithoutOutput)
     };
     const Case cases[] = {
         {"one line without a line end", {tree.writeFile(u"one.srt"_s, "00:00:01,000 --> 00:00:02,000")}},
-        {"line feeds alone", {tree.writeFile(u"lf.srt"_s, "1\n00:00:01,000 --> 00:00:02,000\nx\n\n")}},
+        {"line feeds alone, without a line end",
+            {tree.writeFile(u"lf.srt"_s, "1\n00:00:01,000 --> 00:00:02,000")}},
         {"an unknown source after a good one", {good, tree.writeFile(u"x.mkv"_s, "1\r\n2\r\n")}},
         {"an empty source", {tree.writeFile(u"empty.srt"_s, "")}},
         {"no cue read", {tree.writeFile(u"nocue.srt"_s, "just words\r\nmore\r\n")}},
@@ -73,9 +74,12 @@ TEST_F(Convert, WhatEndsAConversionWithoutOutput)
 
 TEST_F(Convert, TheLastLineWithoutALineEndIsNotRead)
 {
-    const QString source = tree.writeFile(u"s.txt"_s, "one\r\ntwo\r\nthree");
-    ASSERT_TRUE(run({source}, tree.path(u"s-out.txt"_s)).written);
-    EXPECT_EQ(test::readAll(tree.path(u"s-out.txt"_s)), "one\r\ntwo\r\n");
+    // Line feeds alone end the lines of a file that has no CR LF, as files written here do.
+    for (const QByteArray &text : {QByteArray("one\r\ntwo\r\nthree"), QByteArray("one\ntwo\nthree")}) {
+        const QString source = tree.writeFile(u"s.txt"_s, text);
+        ASSERT_TRUE(run({source}, tree.path(u"s-out.txt"_s)).written);
+        EXPECT_EQ(test::readAll(tree.path(u"s-out.txt"_s)), "one\r\ntwo\r\n");
+    }
 }
 
 TEST_F(Convert, DestinationRules)

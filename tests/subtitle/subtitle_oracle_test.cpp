@@ -112,13 +112,9 @@ TEST_F(SubtitleOracle, WhatTheToolWritesWeReadWithTheSameCues)
         const test::ToolResult run
             = test::runTool(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-y"_s, u"-i"_s, source, theirs});
         ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
-        // The converter reads CR LF lines; the tool writes line feeds alone on this system.
-        QByteArray bytes = test::readAll(theirs);
-        if (!bytes.contains("\r\n"))
-            bytes.replace("\n", "\r\n");
-        const QString copy = tree.writeFile(u"crlf."_s + format, bytes);
+        // The tool writes line feeds alone on this system.
         const QString ours = tree.path(u"ours-from-"_s + format + u".srt"_s);
-        ASSERT_TRUE(convert(copy, ours).written) << format.toStdString();
+        ASSERT_TRUE(convert(theirs, ours).written) << format.toStdString();
         EXPECT_EQ(startsOf(timingsOf(test::readAll(ours))), (QList<qint64> {1000, 3250, 65500}))
             << format.toStdString() << "\n"
             << test::readAll(ours).toStdString();
