@@ -137,7 +137,8 @@ ComposedCommand FFmpegX::composeBuiltIn(int pass, bool useFilterScale)
     if (pass != 2) {
         const QString planned = PlannedOutputName(job, FFmpegOutputExtension(job, generation));
         util::MakedPath(QFileInfo(planned).absolutePath());
-        FileOutput.OutputFileName = util::RenameExists(planned);
+        // Overwrite takes the name as given, as moving a file with it does.
+        FileOutput.OutputFileName = FileOutput.Overwrite ? planned : util::RenameExists(planned);
         job.FileOutput.OutputFileName = FileOutput.OutputFileName;
     }
     input.outputFileName = FileOutput.OutputFileName;
@@ -300,12 +301,14 @@ void FFmpegX::writeTestScripts(const QString &command)
     if (!util::DirExists(folder))
         return;
     const QDir dir(folder);
-    util::WriteText(command + u"\r\n"_s, dir.filePath(u"Test.bat"_s), false);
-    // Beside it, the same command for this system's shell, ready to run.
-    const QString script = dir.filePath(u"Test.sh"_s);
-    if (util::WriteText(u"#!/bin/sh\n"_s + shellLine(command) + u'\n', script, false))
-        QFile::setPermissions(
-            script, QFile::permissions(script) | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther);
+    util::WriteText(command, dir.filePath(u"Test.bat"_s), false);
+    // Beside it, the same command for this system's shell, ready to run: line feeds, no mark.
+    QFile script(dir.filePath(u"Test.sh"_s));
+    if (script.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        script.write((u"#!/bin/sh\n"_s + shellLine(command) + u'\n').toUtf8());
+        script.close();
+        script.setPermissions(script.permissions() | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther);
+    }
 }
 
 QString FFmpegX::ChooseMp4BoxLanguage(const QString &value, QString &code) const

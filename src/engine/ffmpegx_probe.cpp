@@ -13,8 +13,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QImageReader>
 #include <QStandardPaths>
+
+#include <mutex>
+#include <optional>
+#include <sys/stat.h>
 
 namespace qb::engine {
 
@@ -62,6 +67,35 @@ ToolLaunch toolCommand(const QString &exe, const QString &args)
     return PlanToolLaunch(u'"' + exe + u'"' + (args.isEmpty() ? QString() : u' ' + args));
 }
 
+// A tool file as the system knows it: a changed or replaced file is another tool.
+struct ToolIdentity
+{
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    timespec modified {};
+
+    static std::optional<ToolIdentity> of(const QString &path)
+    {
+        struct stat st;
+        if (::stat(QFile::encodeName(path).constData(), &st) != 0)
+            return std::nullopt;
+        return ToolIdentity {st.st_dev, st.st_ino, st.st_size, st.st_mtim};
+    }
+    bool operator==(const ToolIdentity &other) const
+    {
+        return device == other.device && inode == other.inode && size == other.size
+            && modified.tv_sec == other.modified.tv_sec && modified.tv_nsec == other.modified.tv_nsec;
+    }
+};
+
+struct KnownTool
+{
+    ToolIdentity identity;
+    CoreFamily core;
+    QString subtitleCodecs;
+};
+
 } // namespace
 
 QString FFmpegX::GetCoreVersion(const QString &Exe, const QString &Args)
@@ -82,7 +116,25 @@ void FFmpegX::setCore(const QString &path)
     CoreState.CoreEnabled.clear();
     CoreState.CoreDisabled.clear();
     m_core = path;
+    // Asking a tool takes several runs; what one engine learnt, the next one in this process
+    // takes over while the file is the same one, unchanged.
+    const std::optional<ToolIdentity> identity = ToolIdentity::of(path);
+    static std::mutex guard;
+    static QHash<QString, KnownTool> known;
+    {
+        const std::lock_guard lock(guard);
+        const auto found = known.constFind(path);
+        if (identity && found != known.cend() && found->identity == *identity) {
+            CoreState = found->core;
+            Subtitle.CoreSubtitleCodec = found->subtitleCodecs;
+            return;
+        }
+    }
     detectCore(GetCoreVersion(path, QString()));
+    if (identity && !m_processing) {
+        const std::lock_guard lock(guard);
+        known.insert(path, KnownTool {*identity, CoreState, Subtitle.CoreSubtitleCodec});
+    }
 }
 
 void FFmpegX::detectCore(const QString &banner)

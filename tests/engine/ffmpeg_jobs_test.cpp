@@ -266,6 +266,9 @@ TEST_F(FFmpegJobs, EventsOfARunArriveInTheirOrderAndEndWithTheOutput)
     ASSERT_FALSE(recorder->progress.isEmpty());
     EXPECT_TRUE(recorder->progress.last().last);
     EXPECT_EQ(recorder->progress.first().max, 2);
+    EXPECT_EQ(recorder->progress.first().outputInfo.toStdString(),
+        u"mp4 -> mkv, 160x120 -> 160x120, 25fps -> 25fps, h264 -> h264, 48000Hz -> 48000Hz, 2ch -> 2ch"_s
+            .toStdString());
     const QString output = QDir(out->root()).filePath(u"src.mkv"_s);
     EXPECT_EQ(all.last(), u"S2:"_s + output);
     EXPECT_EQ(recorder->statusCodes().count(kError), 0);
@@ -367,6 +370,34 @@ TEST_F(FFmpegJobs, OverlaysAndSubtitlesAreBurnedIn)
     const QImage subtitled = frameOf(completed(), 1);
     EXPECT_GT(differs(subtitled, {0, 90, 160, 30}), 8);
     EXPECT_LT(differs(subtitled, {0, 0, 160, 20}), 4);
+}
+
+TEST_F(FFmpegJobs, TestModeWritesTheCommandForBothShellsAndStillRuns)
+{
+    run(u"src.mp4"_s, [](FFmpegX &e) {
+        e.FileOutput.ForceFormat = u"wav"_s;
+        e.Job.TestMode = true;
+    });
+    const QString output = completed();
+    ASSERT_FALSE(output.isEmpty());
+    EXPECT_EQ(test::readAll(out->path(u"Test.bat"_s)), (recorder->scripts.first() + u"\r\n"_s).toUtf8());
+    // The shell's copy runs as it is and makes the same file again.
+    QFile::remove(output);
+    const test::ToolResult again = test::runTool(out->path(u"Test.sh"_s), {});
+    EXPECT_EQ(again.exitCode, 0) << again.output.toStdString();
+    EXPECT_EQ(probe(output).audio, u"pcm_s16le"_s);
+
+    // A host's template gets the macros; the input is the source, or the script standing for it.
+    engine->setCommandLine(
+        u"x264 --fps #VideoFrameRate# -o \"#OutputFileName#\" \"#InputFileName#\" #Other#"_s);
+    engine->Video.FrameRate = 25;
+    engine->Job.TestMode = false;
+    const QString composed = engine->ComposeCommand(0, true);
+    EXPECT_EQ(composed,
+        u"x264 --fps 25 -o \""_s + engine->FileOutput.OutputFileName + u"\" \""_s + tree->path(u"src.mp4"_s)
+            + u"\" #Other#"_s);
+    engine->AVS.AVSEnabled = true;
+    EXPECT_TRUE(engine->ComposeCommand(0, true).contains(u".avs\" #Other#"_s));
 }
 
 TEST_F(FFmpegJobs, CancelEndsInCanceledAndRemovesThePartialOutput)
