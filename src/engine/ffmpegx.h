@@ -14,6 +14,7 @@
 #include "engine/tool_command.h"
 #include "imaging/image_conversion.h"
 
+#include <QDateTime>
 #include <QImage>
 #include <QObject>
 #include <QSettings>
@@ -442,6 +443,8 @@ private:
     std::array<QString, 9> m_tempFiles;
     QString m_inputName;
     FilterFiles m_filterFiles; // what the first pass prepared, for the second
+    QString m_probedFile; // the file the last probe read completely, and its time then
+    QDateTime m_probedModified;
     QString m_refusal;
     QString m_composedText;
 

@@ -102,7 +102,9 @@ ComposedCommand FFmpegX::composeBuiltIn(int pass, bool useFilterScale)
     } else {
         m_inputName = m_fileName;
     }
-    if (!m_fileName.endsWith(u':'))
+    // A source probed already and unchanged since is not asked again.
+    const bool probed = m_inputName == m_probedFile && QFileInfo(m_inputName).lastModified() == m_probedModified;
+    if (!m_fileName.endsWith(u':') && !probed)
         GetStreamInfo(m_inputName);
     if (target.isEmpty() || !AVS.AVSEnabled)
         target = TargetSize(Video.VideoSize, Video.VideoWidth, Video.VideoHeight);

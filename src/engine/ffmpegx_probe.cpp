@@ -188,6 +188,7 @@ void FFmpegX::ReadCoreCapabilities(const QString &separator)
 
 QString FFmpegX::GetStreamInfo(const QString &FileName)
 {
+    m_probedFile.clear();
     StreamFacts facts = FreshFacts(FileName);
     // The default streams are set only when empty; the source's setter clears them.
     facts.DefaultVideoStream = Video.DefaultVideoStream;
@@ -228,6 +229,10 @@ QString FFmpegX::GetStreamInfo(const QString &FileName)
     }
     m_fileSummary = SummaryFileInfo(facts, util::CheckFileSize(FileName, true));
     publishFacts(facts);
+    if (!m_processing) {
+        m_probedFile = FileName;
+        m_probedModified = QFileInfo(FileName).lastModified();
+    }
     if (m_allowRaiseEvent)
         Q_EMIT FileInfoChange();
     return facts.streamText + QStringLiteral("\r\n\r\n") + m_fileSummary;
