@@ -284,7 +284,7 @@ int RunFormatsCommand(const QStringList &arguments, QTextStream &out, QTextStrea
     if (!core.isEmpty())
         engine.setCore(core);
     const bool known = engine.CoreState.CoreStatus == 1;
-    const engine::FFmpegGeneration generation = engine::FFmpegGenerationOf(engine.CoreState.CoreVersion);
+    const engine::ToolGeneration generation = engine::FFmpegGenerationOf(engine.CoreState.CoreVersion);
     if (known)
         out << "formats of " << core << " (" << engine.CoreState.CoreName << ' '
             << engine.CoreState.CoreVersion << ")\n";
@@ -292,7 +292,7 @@ int RunFormatsCommand(const QStringList &arguments, QTextStream &out, QTextStrea
         err << "quillbox: no ffmpeg found; what each format needs is not checked\n";
     for (const QString &name : engine::FormatNames()) {
         const engine::FormatRow &row = engine::FormatRowOf(name, generation);
-        const QString missing = known && generation == engine::FFmpegGeneration::Today
+        const QString missing = known && generation == engine::ToolGeneration::Today
             ? engine::MissingCapability(row, name, engine.CoreState)
             : QString();
         engine::JobSettings job;

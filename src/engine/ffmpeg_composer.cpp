@@ -94,7 +94,7 @@ QString renamedCodec(const FFmpegSpellings &spell, const QString &codec)
 class Composer
 {
 public:
-    Composer(const JobSettings &job, const FFmpegComposeInput &input)
+    Composer(const JobSettings &job, const ComposeInput &input)
         : job(job)
         , in(input)
         , spell(SpellingsOf(input.generation))
@@ -104,7 +104,7 @@ public:
         , outH(input.target.height())
     { }
 
-    FFmpegComposition compose();
+    Composition compose();
 
 private:
     void sizeAndShape();
@@ -124,7 +124,7 @@ private:
     bool isX264() const { return sameName(format, u"h264") || sameName(job.Video.VideoCodec, u"libx264"); }
 
     const JobSettings &job;
-    const FFmpegComposeInput &in;
+    const ComposeInput &in;
     const FFmpegSpellings &spell;
     const FormatRow &row;
     const QString format;
@@ -623,10 +623,10 @@ QString Composer::outputInfo() const
     return parts.join(u", "_s);
 }
 
-FFmpegComposition Composer::compose()
+Composition Composer::compose()
 {
-    FFmpegComposition result;
-    if (in.generation == FFmpegGeneration::Today) {
+    Composition result;
+    if (in.generation == ToolGeneration::Today) {
         QString missing = MissingCapability(row, format, job.CoreState);
         const auto lacks = [&](const QString &codec, const QString &list, const char *kind) {
             const QString name = renamedCodec(spell, codec);
@@ -687,7 +687,7 @@ FFmpegComposition Composer::compose()
 
 } // namespace
 
-QString FFmpegOutputExtension(const JobSettings &job, FFmpegGeneration generation)
+QString FFmpegOutputExtension(const JobSettings &job, ToolGeneration generation)
 {
     const FormatRow &row = FormatRowOf(job.FileOutput.ForceFormat, generation);
     QString extension = fixed(row.extension);
@@ -742,7 +742,7 @@ QPoint KeypadPosition(int align, int padding, QSize frame, QSize item)
     return {ClampRange(x, 0, maxX), ClampRange(y, 0, maxY)};
 }
 
-FFmpegComposition ComposeFFmpegCommand(const JobSettings &job, const FFmpegComposeInput &input)
+Composition ComposeFFmpegCommand(const JobSettings &job, const ComposeInput &input)
 {
     return Composer(job, input).compose();
 }

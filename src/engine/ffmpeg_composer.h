@@ -13,44 +13,8 @@
 
 namespace qb::engine {
 
-// Files the filter chain refers to, by bare name (the tool runs in their folder); empty when
-// there is none.
-struct FilterFiles
-{
-    QString autoCrop; // "crop=W:H:X:Y" as the crop detection found it
-    QString textPicture;
-    QSize textSize;
-    QString imagePicture;
-    QSize imageSize;
-    QString subtitle;
-    QString overallSubtitle;
-    QString watermark;
-};
-
-struct FFmpegComposeInput
-{
-    int pass = 0; // 0 single, 1 and 2 of two passes
-    bool useFilterScale = true;
-    FFmpegGeneration generation = FFmpegGeneration::Today;
-    QString inputName; // the source, or the script that stands for it
-    QString outputFileName;
-    QSize target; // the picture size the job aims at
-    QDateTime now;
-    bool sourceInTempFolder = false;
-    bool audioReplaceFound = false; // AudioReplaceFileName names an existing file
-    FilterFiles files;
-};
-
-struct FFmpegComposition
-{
-    QString command; // the text; it starts by the command-line rules
-    QString outputInfo;
-    QSize target; // after the row's size rule
-    QString refusal; // why this tool cannot do the job; nothing is to run when set
-};
-
 // The output's extension: the row's, the source's, or FileNameSuffix, in capitals when asked.
-QString FFmpegOutputExtension(const JobSettings &job, FFmpegGeneration generation);
+QString FFmpegOutputExtension(const JobSettings &job, ToolGeneration generation);
 
 // The output's name before it is numbered past an existing file: OutputDir (else the source's
 // folder), the name's additions, the custom or the source's base name, and extension.
@@ -63,6 +27,6 @@ int ClampRange(int value, int low, int high);
 // padding from the edges, kept inside the frame.
 QPoint KeypadPosition(int align, int padding, QSize frame, QSize item);
 
-FFmpegComposition ComposeFFmpegCommand(const JobSettings &job, const FFmpegComposeInput &input);
+Composition ComposeFFmpegCommand(const JobSettings &job, const ComposeInput &input);
 
 } // namespace qb::engine

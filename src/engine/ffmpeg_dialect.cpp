@@ -183,24 +183,23 @@ bool listHolds(const QString &list, const QString &name)
 
 } // namespace
 
-FFmpegGeneration FFmpegGenerationOf(const QString &coreVersion)
+ToolGeneration FFmpegGenerationOf(const QString &coreVersion)
 {
     // Release numbers before 1.0 and the old SVN builds spoke the legacy switches; a numbered
     // release from 1.0 on, a git snapshot ("N-...") and an unknown version speak today's.
     static const QRegularExpression legacy(
         u"^(SVN|r\\d|0\\.|Sherpya|UNKNOWN)"_s, QRegularExpression::CaseInsensitiveOption);
-    return legacy.match(coreVersion.trimmed()).hasMatch() ? FFmpegGeneration::Legacy
-                                                          : FFmpegGeneration::Today;
+    return legacy.match(coreVersion.trimmed()).hasMatch() ? ToolGeneration::Legacy : ToolGeneration::Today;
 }
 
-const FFmpegSpellings &SpellingsOf(FFmpegGeneration generation)
+const FFmpegSpellings &SpellingsOf(ToolGeneration generation)
 {
-    return generation == FFmpegGeneration::Legacy ? kLegacy : kToday;
+    return generation == ToolGeneration::Legacy ? kLegacy : kToday;
 }
 
-const FormatRow &FormatRowOf(const QString &format, FFmpegGeneration generation)
+const FormatRow &FormatRowOf(const QString &format, ToolGeneration generation)
 {
-    if (generation == FFmpegGeneration::Today) {
+    if (generation == ToolGeneration::Today) {
         for (const FormatRow &row : kTodayRows) {
             if (rowNames(row, format))
                 return row;
@@ -237,34 +236,6 @@ QString MissingCapability(const FormatRow &row, const QString &name, const CoreF
         && !listHolds(core.CoreAudioCodec, fixed(row.audioEncoder)))
         return u"the tool has no \"%1\" audio encoder"_s.arg(fixed(row.audioEncoder));
     return {};
-}
-
-void ApplySizeRule(SizeRule rule, int &width, int &height)
-{
-    if (width < 1 || height < 1)
-        return;
-    switch (rule) {
-    case SizeRule::Free:
-        return;
-    case SizeRule::Multiple16:
-        width = std::max(16, width / 16 * 16);
-        height = std::max(16, height / 16 * 16);
-        return;
-    case SizeRule::H263Sizes: {
-        // The largest standard picture that fits, else the smallest.
-        static constexpr int kSizes[][2] = {{1408, 1152}, {704, 576}, {352, 288}, {176, 144}, {128, 96}};
-        for (const auto &size : kSizes) {
-            if (size[0] <= width && size[1] <= height) {
-                width = size[0];
-                height = size[1];
-                return;
-            }
-        }
-        width = 128;
-        height = 96;
-        return;
-    }
-    }
 }
 
 } // namespace qb::engine

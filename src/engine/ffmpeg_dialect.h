@@ -3,6 +3,7 @@
 // tables and holds no generation's spelling of its own.
 #pragma once
 
+#include "engine/compose_input.h"
 #include "engine/engine_properties.h"
 
 #include <QString>
@@ -15,9 +16,7 @@ namespace qb::engine {
 
 // Legacy: the tool whose banner reads "FFmpeg version " with a pre-1.0 or SVN version. Today: every
 // numbered release from 1.0 on and the git snapshots, whose switches are today's.
-enum class FFmpegGeneration { Legacy, Today };
-
-FFmpegGeneration FFmpegGenerationOf(const QString &coreVersion);
+ToolGeneration FFmpegGenerationOf(const QString &coreVersion);
 
 struct FFmpegSpellings
 {
@@ -53,10 +52,7 @@ struct FFmpegSpellings
     std::span<const std::pair<const char16_t *, const char16_t *>> codecRenames;
 };
 
-const FFmpegSpellings &SpellingsOf(FFmpegGeneration generation);
-
-// What the size of a row's picture must satisfy.
-enum class SizeRule { Free, Multiple16, H263Sizes };
+const FFmpegSpellings &SpellingsOf(ToolGeneration generation);
 
 // One row of the format table. Texts may hold "{Vq}" (rate and frame rate), "{Aq}" (audio rate,
 // sample rate and channels), "{AR}", "{SR}", "{CH}" (each of those alone) and "{name}".
@@ -80,7 +76,7 @@ struct FormatRow
 };
 
 // The row a format name picks in a generation's table.
-const FormatRow &FormatRowOf(const QString &format, FFmpegGeneration generation);
+const FormatRow &FormatRowOf(const QString &format, ToolGeneration generation);
 
 // Every format name the table knows by name, in the table's order.
 QStringList FormatNames();
@@ -88,8 +84,5 @@ QStringList FormatNames();
 // What the tool lacks for a row under name, from its capability lists ("" when it can do it or
 // when the lists are unknown).
 QString MissingCapability(const FormatRow &row, const QString &name, const CoreFamily &core);
-
-// The row's size rule applied to a picture size.
-void ApplySizeRule(SizeRule rule, int &width, int &height);
 
 } // namespace qb::engine

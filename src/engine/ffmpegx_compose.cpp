@@ -118,8 +118,8 @@ ComposedCommand FFmpegX::composeBuiltIn(int pass, bool useFilterScale)
         return {};
     }
 
-    const FFmpegGeneration generation = FFmpegGenerationOf(CoreState.CoreVersion);
-    FFmpegComposeInput input;
+    const ToolGeneration generation = FFmpegGenerationOf(CoreState.CoreVersion);
+    ComposeInput input;
     input.pass = pass;
     input.useFilterScale = useFilterScale;
     input.generation = generation;
@@ -145,7 +145,7 @@ ComposedCommand FFmpegX::composeBuiltIn(int pass, bool useFilterScale)
     }
     input.outputFileName = FileOutput.OutputFileName;
 
-    FFmpegComposition composed = ComposeFFmpegCommand(job, input);
+    Composition composed = ComposeFFmpegCommand(job, input);
     m_outputInfo = composed.outputInfo;
     QString text = composed.command;
     if (!composed.refusal.isEmpty() && m_commandLine.isEmpty()) {

@@ -25,9 +25,9 @@ JobSettings baseJob()
     return job;
 }
 
-FFmpegComposeInput inputFor(const JobSettings &job, FFmpegGeneration generation, QSize target = {})
+ComposeInput inputFor(const JobSettings &job, ToolGeneration generation, QSize target = {})
 {
-    FFmpegComposeInput input;
+    ComposeInput input;
     input.generation = generation;
     input.inputName = job.FileName;
     input.outputFileName = u"/out/o.x"_s;
@@ -37,19 +37,19 @@ FFmpegComposeInput inputFor(const JobSettings &job, FFmpegGeneration generation,
 
 QString legacy(const JobSettings &job, QSize target = {})
 {
-    return ComposeFFmpegCommand(job, inputFor(job, FFmpegGeneration::Legacy, target)).command;
+    return ComposeFFmpegCommand(job, inputFor(job, ToolGeneration::Legacy, target)).command;
 }
 
 QString today(const JobSettings &job, QSize target = {})
 {
-    return ComposeFFmpegCommand(job, inputFor(job, FFmpegGeneration::Today, target)).command;
+    return ComposeFFmpegCommand(job, inputFor(job, ToolGeneration::Today, target)).command;
 }
 
 TEST(FFmpegLegacyCommand, NothingSetKeepsQualityAndTheSourcesExtension)
 {
     const JobSettings job = baseJob();
     EXPECT_EQ(legacy(job), uR"("/opt/ff/ffmpeg" -y -i "/media/in.avi" -sameq -re "/out/o.x")"_s);
-    EXPECT_EQ(FFmpegOutputExtension(job, FFmpegGeneration::Legacy), u"avi"_s);
+    EXPECT_EQ(FFmpegOutputExtension(job, ToolGeneration::Legacy), u"avi"_s);
     EXPECT_EQ(PlannedOutputName(job, u"avi"_s), u"/out/in.avi"_s);
 }
 
@@ -257,7 +257,7 @@ TEST(FFmpegLegacyCommand, CommandForms)
 
     job.Audio.AudioStreamDelay = 0;
     job.AVS.AVSEnabled = true;
-    FFmpegComposeInput input = inputFor(job, FFmpegGeneration::Legacy);
+    ComposeInput input = inputFor(job, ToolGeneration::Legacy);
     input.inputName = u"/tmp/qbx1.avs"_s;
     EXPECT_EQ(ComposeFFmpegCommand(job, input).command,
         uR"("/opt/ff/ffmpeg" -y -i "/tmp/qbx1.avs" -sameq -re "/out/o.x")"_s);
@@ -266,7 +266,7 @@ TEST(FFmpegLegacyCommand, CommandForms)
     job.FileName = u"E:"_s;
     EXPECT_EQ(legacy(job),
         uR"("/opt/ff/mencoder" -dvd-device "e:"/ dvd://1 -really-quiet -oac copy -ovc copy -o -|"/opt/ff/ffmpeg" -y -i - -sameq -re "/out/o.x")"_s);
-    EXPECT_EQ(FFmpegOutputExtension(job, FFmpegGeneration::Legacy), u"mpg"_s);
+    EXPECT_EQ(FFmpegOutputExtension(job, ToolGeneration::Legacy), u"mpg"_s);
 }
 
 TEST(FFmpegLegacyCommand, ReplacedAudioExtraTracksAndPasses)
@@ -275,11 +275,11 @@ TEST(FFmpegLegacyCommand, ReplacedAudioExtraTracksAndPasses)
     job.Audio.MultiAudioTrackSupport = true;
     job.Audio.AudioStreamCount = 3;
     job.Job.Twopass = true;
-    FFmpegComposeInput input = inputFor(job, FFmpegGeneration::Legacy);
+    ComposeInput input = inputFor(job, ToolGeneration::Legacy);
     input.pass = 1;
     EXPECT_EQ(ComposeFFmpegCommand(job, input).command,
         uR"("/opt/ff/ffmpeg" -y -i "/media/in.avi" -sameq -re -an -sn -pass 1 "/out/o.x" -newaudio -newaudio)"_s);
-    input.generation = FFmpegGeneration::Today;
+    input.generation = ToolGeneration::Today;
     input.pass = 2;
     EXPECT_EQ(ComposeFFmpegCommand(job, input).command,
         uR"("/opt/ff/ffmpeg" -y -i "/media/in.avi" -q:v 2 -pass 2 -passlogfile "/tmp/qbx1" -map 0:v:0? -map 0:a? "/out/o.x")"_s);
@@ -287,7 +287,7 @@ TEST(FFmpegLegacyCommand, ReplacedAudioExtraTracksAndPasses)
     input.audioReplaceFound = true;
     job.Audio.AudioReplaceFileName = u"/m/voice.wav"_s;
     job.Job.TimeEndPoint = 8;
-    input.generation = FFmpegGeneration::Legacy;
+    input.generation = ToolGeneration::Legacy;
     input.pass = 0;
     EXPECT_EQ(ComposeFFmpegCommand(job, input).command,
         uR"("/opt/ff/ffmpeg" -y -t 8 -i "/media/in.avi" -t 8 -i "/m/voice.wav" -map 0:0 -map 1:0 -sameq -re "/out/o.x" -newaudio -newaudio)"_s);
@@ -317,7 +317,7 @@ TEST(FFmpegLegacyCommand, AdditionalTextByPass)
         job.Video.VideoCodec = c.x264 ? u"libx264"_s : u"mpeg4"_s;
         job.Job.AdditionalScripts = QString::fromUtf16(c.all);
         job.Job.AdditionalPass1Scripts = QString::fromUtf16(c.first);
-        FFmpegComposeInput input = inputFor(job, FFmpegGeneration::Legacy);
+        ComposeInput input = inputFor(job, ToolGeneration::Legacy);
         input.pass = c.pass;
         const QString command = ComposeFFmpegCommand(job, input).command;
         EXPECT_TRUE(command.contains(QString::fromUtf16(c.chosen) + u" -pass"_s)) << command.toStdString();
@@ -330,7 +330,7 @@ TEST(FFmpegLegacyCommand, OverlaysSitOnTheKeypadAndBurnInAfterThem)
     job.AVFilter.AVFilterTextAlign = 3;
     job.AVFilter.AVFilterTextPadding = 5;
     job.AVFilter.AVFilterImageAlign = 5;
-    FFmpegComposeInput input = inputFor(job, FFmpegGeneration::Legacy);
+    ComposeInput input = inputFor(job, ToolGeneration::Legacy);
     input.files.textPicture = u"qbx11.png"_s;
     input.files.textSize = {100, 20};
     input.files.imagePicture = u"qbx12.png"_s;
@@ -340,7 +340,7 @@ TEST(FFmpegLegacyCommand, OverlaysSitOnTheKeypadAndBurnInAfterThem)
         ComposeFFmpegCommand(job, input)
             .command.contains(
                 uR"( -vf "movie=qbx11.png [wm1],movie=qbx12.png [wm2],[in][wm2] overlay=288:148,[wm1] overlay=535:335,ass=qbx13.ass::utf-8[out]")"_s));
-    input.generation = FFmpegGeneration::Today;
+    input.generation = ToolGeneration::Today;
     EXPECT_TRUE(
         ComposeFFmpegCommand(job, input)
             .command.contains(
@@ -380,13 +380,13 @@ TEST(FFmpegTodayCommand, RowsTheToolCannotMakeAreRefusedByName)
     for (const auto &c : cases) {
         job.FileOutput.ForceFormat = QString::fromUtf16(c.format);
         job.Video.VideoCodec = QString::fromUtf16(c.codec);
-        const FFmpegComposition result = ComposeFFmpegCommand(job, inputFor(job, FFmpegGeneration::Today));
+        const Composition result = ComposeFFmpegCommand(job, inputFor(job, ToolGeneration::Today));
         EXPECT_EQ(result.refusal, QString::fromUtf16(c.refusal));
         EXPECT_EQ(result.command.isEmpty(), !result.refusal.isEmpty());
     }
     // The legacy generation composes as documented and checks nothing.
     job.FileOutput.ForceFormat = u"amr"_s;
-    EXPECT_TRUE(ComposeFFmpegCommand(job, inputFor(job, FFmpegGeneration::Legacy)).refusal.isEmpty());
+    EXPECT_TRUE(ComposeFFmpegCommand(job, inputFor(job, ToolGeneration::Legacy)).refusal.isEmpty());
 }
 
 TEST(FFmpegTodayCommand, SizeRulesOfRowsWithFixedSizes)
@@ -401,12 +401,12 @@ TEST(FFmpegTodayCommand, SizeRulesOfRowsWithFixedSizes)
     EXPECT_TRUE(today(job, {400, 300}).contains(u"[in]scale=352:288[out]"_s));
 }
 
-TEST(FFmpegGeneration, ChosenByTheToolsVersion)
+TEST(ToolGeneration, ChosenByTheToolsVersion)
 {
     for (const char16_t *old : {u"SVN-r26400", u"0.6.1", u"0.11.2", u"r19876"})
-        EXPECT_EQ(FFmpegGenerationOf(QString::fromUtf16(old)), FFmpegGeneration::Legacy);
+        EXPECT_EQ(FFmpegGenerationOf(QString::fromUtf16(old)), ToolGeneration::Legacy);
     for (const char16_t *now : {u"5.1.9-0+deb12u1", u"1.0", u"N-112233-gabc", u"6.1.1", u""})
-        EXPECT_EQ(FFmpegGenerationOf(QString::fromUtf16(now)), FFmpegGeneration::Today);
+        EXPECT_EQ(FFmpegGenerationOf(QString::fromUtf16(now)), ToolGeneration::Today);
 }
 
 TEST(CommandTemplate, MacrosAreReplacedAndOthersKept)

@@ -301,7 +301,7 @@ TEST_F(FFmpegJobs, JobFeaturesRunAndThePlayerToolSeesTheirEffect)
     ASSERT_FALSE(completed().isEmpty());
     EXPECT_LE(QFileInfo(completed()).size(), 1024 * 1024);
 
-    run(u"src.mp4"_s, [this](FFmpegX &e) {
+    run(u"src.mp4"_s, [](FFmpegX &e) {
         e.FileOutput.ForceFormat = u"mkv"_s;
         e.Audio.AudioReplaceFileName = tree->path(u"voice.wav"_s);
     });
@@ -324,7 +324,7 @@ TEST_F(FFmpegJobs, OverlaysAndSubtitlesAreBurnedIn)
     ASSERT_FALSE(plain.isNull());
 
     // A red picture in the top-left corner.
-    run(u"src.mp4"_s, [this](FFmpegX &e) {
+    run(u"src.mp4"_s, [](FFmpegX &e) {
         e.FileOutput.ForceFormat = u"mkv"_s;
         e.AVFilter.AVFilterImageEnabled = true;
         e.AVFilter.AVFilterImageFile = tree->path(u"logo.png"_s);
@@ -361,7 +361,7 @@ TEST_F(FFmpegJobs, OverlaysAndSubtitlesAreBurnedIn)
     EXPECT_GT(differs(text, {110, 100, 40, 15}), 40);
     EXPECT_LT(differs(text, {0, 0, 40, 20}), 8);
 
-    run(u"src.mp4"_s, [this](FFmpegX &e) {
+    run(u"src.mp4"_s, [](FFmpegX &e) {
         e.FileOutput.ForceFormat = u"mkv"_s;
         e.AVFilterVideoSubtitle.AVFilterVideoSubtitleEnabled = true;
         e.AVFilterVideoSubtitle.AVFilterVideoSubtitleFileName = tree->path(u"words.srt"_s);
