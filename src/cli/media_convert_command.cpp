@@ -7,6 +7,8 @@
 #include "cli/job_options.h"
 #include "engine/ffmpeg_dialect.h"
 #include "engine/ffmpegx.h"
+#include "engine/mencoder_composer.h"
+#include "engine/mencoder_dialect.h"
 #include "engine/status_codes.h"
 #include "util/time_format.h"
 
@@ -44,6 +46,9 @@ QString takeCore(QStringList &arguments)
     if (at >= 0 && at + 1 < arguments.size()) {
         const QString core = arguments.at(at + 1);
         arguments.remove(at, 2);
+        // A bare name is looked up on the PATH ("--core mencoder").
+        if (!core.contains(u'/'))
+            return QStandardPaths::findExecutable(core);
         return QFileInfo(core).absoluteFilePath();
     }
     return QStandardPaths::findExecutable(u"ffmpeg"_s);
@@ -235,8 +240,8 @@ int RunConvertCommand(const QStringList &arguments, QTextStream &out, QTextStrea
     for (const QString &source : sources) {
         engine::FFmpegX engine;
         engine.setCore(core);
-        if (engine.CoreState.CoreStatus != 1) {
-            err << "quillbox: " << core << " is not ffmpeg; name the encoder with --core\n";
+        if (engine.CoreState.CoreStatus != 1 && engine.CoreState.CoreStatus != 2) {
+            err << "quillbox: " << core << " is neither ffmpeg nor mencoder; name the encoder with --core\n";
             return kFailed;
         }
         ApplyJobOptions(rest, engine);
@@ -283,27 +288,37 @@ int RunFormatsCommand(const QStringList &arguments, QTextStream &out, QTextStrea
     engine::FFmpegX engine;
     if (!core.isEmpty())
         engine.setCore(core);
-    const bool known = engine.CoreState.CoreStatus == 1;
-    const engine::ToolGeneration generation = engine::FFmpegGenerationOf(engine.CoreState.CoreVersion);
-    if (known)
-        out << "formats of " << core << " (" << engine.CoreState.CoreName << ' '
-            << engine.CoreState.CoreVersion << ")\n";
+    const engine::CoreFamily &tool = engine.CoreState;
+    const bool mencoder = tool.CoreStatus == 2;
+    if (tool.CoreStatus == 1 || mencoder)
+        out << "formats of " << core << " (" << tool.CoreName << ' ' << tool.CoreVersion << ")\n";
     else
         err << "quillbox: no ffmpeg found; what each format needs is not checked\n";
-    for (const QString &name : engine::FormatNames()) {
-        const engine::FormatRow &row = engine::FormatRowOf(name, generation);
-        const QString missing = known && generation == engine::ToolGeneration::Today
-            ? engine::MissingCapability(row, name, engine.CoreState)
-            : QString();
-        engine::JobSettings job;
-        job.FileName = u"source.mp4"_s;
+    const engine::ToolGeneration generation = mencoder ? engine::MEncoderGenerationOf(tool.CoreVersion)
+                                                       : engine::FFmpegGenerationOf(tool.CoreVersion);
+    const bool today = generation == engine::ToolGeneration::Today && tool.CoreStatus != 0;
+    engine::JobSettings job;
+    job.FileName = u"source.mp4"_s;
+    for (const QString &name : mencoder ? engine::MEncoderFormatNames() : engine::FormatNames()) {
         job.FileOutput.ForceFormat = name;
-        const QString extension = engine::FFmpegOutputExtension(job, generation);
-        out << "  " << name.leftJustified(16) << ' '
-            << (extension == u"mp4"_s && QString::fromUtf16(row.extension) == u"{src}"_s ? u"(source's)"_s
-                                                                                         : u"."_s + extension)
-                   .leftJustified(12)
-            << ' ' << (missing.isEmpty() ? u"yes"_s : u"no: "_s + missing) << "\n";
+        QString extension, missing;
+        bool fromSource = false;
+        if (mencoder) {
+            const engine::MEncoderRow &row = engine::MEncoderRowOf(name, generation);
+            extension = engine::MEncoderOutputExtension(job, generation);
+            fromSource = QString::fromUtf16(row.extension) == u"{src}"_s;
+            missing = today && row.lacking ? QString::fromUtf16(row.lacking) : QString();
+        } else {
+            const engine::FormatRow &row = engine::FormatRowOf(name, generation);
+            extension = engine::FFmpegOutputExtension(job, generation);
+            fromSource = QString::fromUtf16(row.extension) == u"{src}"_s;
+            missing = today ? engine::MissingCapability(row, name, tool) : QString();
+        }
+        const QString shown = fromSource ? u"(source's)"_s
+            : extension.isEmpty()        ? u"(none)"_s
+                                         : u"."_s + extension;
+        out << "  " << name.leftJustified(16) << ' ' << shown.leftJustified(12) << ' '
+            << (missing.isEmpty() ? u"yes"_s : u"no: "_s + missing) << "\n";
     }
     return kOk;
 }

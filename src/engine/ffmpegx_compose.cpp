@@ -4,6 +4,8 @@
 #include "engine/command_template.h"
 #include "engine/ffmpeg_composer.h"
 #include "engine/ffmpegx.h"
+#include "engine/mencoder_composer.h"
+#include "engine/mencoder_dialect.h"
 #include "engine/overlay_settings.h"
 #include "engine/status_codes.h"
 #include "engine/target_size.h"
@@ -103,7 +105,8 @@ ComposedCommand FFmpegX::composeBuiltIn(int pass, bool useFilterScale)
         m_inputName = m_fileName;
     }
     // A source probed already and unchanged since is not asked again.
-    const bool probed = m_inputName == m_probedFile && QFileInfo(m_inputName).lastModified() == m_probedModified;
+    const bool probed
+        = m_inputName == m_probedFile && QFileInfo(m_inputName).lastModified() == m_probedModified;
     if (!m_fileName.endsWith(u':') && !probed)
         GetStreamInfo(m_inputName);
     if (target.isEmpty() || !AVS.AVSEnabled)
@@ -111,14 +114,9 @@ ComposedCommand FFmpegX::composeBuiltIn(int pass, bool useFilterScale)
     const double range = Job.TimeEndPoint - Job.TimeStartPoint;
     m_scan.Max = range > 0 ? range : m_duration;
 
-    if (CoreState.CoreStatus == 2 && m_commandLine.isEmpty()) {
-        m_processing = wasProcessing;
-        m_refusal
-            = u"This build has no command composer for the MEncoder tool yet; choose the FFmpeg tool."_s;
-        return {};
-    }
-
-    const ToolGeneration generation = FFmpegGenerationOf(CoreState.CoreVersion);
+    const bool mencoder = CoreState.CoreStatus == 2;
+    const ToolGeneration generation
+        = mencoder ? MEncoderGenerationOf(CoreState.CoreVersion) : FFmpegGenerationOf(CoreState.CoreVersion);
     ComposeInput input;
     input.pass = pass;
     input.useFilterScale = useFilterScale;
@@ -129,15 +127,22 @@ ComposedCommand FFmpegX::composeBuiltIn(int pass, bool useFilterScale)
     input.sourceInTempFolder
         = QFileInfo(m_fileName).absolutePath() == QDir(util::GetWindowsTempDirectory()).absolutePath();
     input.audioReplaceFound = QFileInfo(Audio.AudioReplaceFileName).isFile();
-    if (pass != 2)
+    if (mencoder) {
+        // The second encoder draws the source's own subtitle itself; it burns in nothing else.
+        if (Menc.MencEnableSubtitle && !m_fileName.endsWith(u':'))
+            input.subtitleFile = subtitle::CheckSubtitle(m_fileName, Subtitle.SubtitleSuffixSupported);
+    } else if (pass != 2) {
         input.files = prepareFilterFiles(target);
-    else
+    } else {
         input.files = m_filterFiles;
+    }
     m_processing = wasProcessing;
 
     JobSettings job = Settings();
     if (pass != 2) {
-        const QString planned = PlannedOutputName(job, FFmpegOutputExtension(job, generation));
+        const QString extension
+            = mencoder ? MEncoderOutputExtension(job, generation) : FFmpegOutputExtension(job, generation);
+        const QString planned = PlannedOutputName(job, extension);
         util::MakedPath(QFileInfo(planned).absolutePath());
         // Overwrite takes the name as given, as moving a file with it does.
         FileOutput.OutputFileName = FileOutput.Overwrite ? planned : util::RenameExists(planned);
@@ -145,7 +150,7 @@ ComposedCommand FFmpegX::composeBuiltIn(int pass, bool useFilterScale)
     }
     input.outputFileName = FileOutput.OutputFileName;
 
-    Composition composed = ComposeFFmpegCommand(job, input);
+    Composition composed = mencoder ? ComposeMEncoderCommand(job, input) : ComposeFFmpegCommand(job, input);
     m_outputInfo = composed.outputInfo;
     QString text = composed.command;
     if (!composed.refusal.isEmpty() && m_commandLine.isEmpty()) {

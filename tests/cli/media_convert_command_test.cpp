@@ -99,6 +99,23 @@ TEST_F(MediaConvert, ConvertsAndRefusesWithReasons)
     EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList {u"in.mkv"_s});
 }
 
+TEST_F(MediaConvert, TheSecondEncoderByItsName)
+{
+    if (QStandardPaths::findExecutable(u"mencoder"_s).isEmpty())
+        GTEST_SKIP() << "mencoder is not installed";
+    const QString source = clip(u"in.avi"_s, u"testsrc=size=160x120:rate=25:duration=2"_s);
+    const test::CliRun dry = runQuillbox({u"media"_s, u"convert"_s, source, u"--format"_s, u"xvid"_s,
+        u"--core"_s, u"mencoder"_s, u"--bitrate"_s, u"400"_s, u"--dry-run"_s});
+    ASSERT_EQ(dry.status, 0) << dry.err.toStdString();
+    EXPECT_TRUE(dry.out.startsWith(u'"' + QStandardPaths::findExecutable(u"mencoder"_s) + u"\" \""_s + source
+        + u"\" -ovc xvid -xvidencopts bitrate=400:threads=1:turbo -oac mp3lame"_s))
+        << dry.out.toStdString();
+    const test::CliRun formats = runQuillbox({u"media"_s, u"formats"_s, u"--core"_s, u"mencoder"_s});
+    EXPECT_TRUE(formats.out.contains(QRegularExpression(u"\\n  aac +\\.aac +no: it was built without"_s)))
+        << formats.out.toStdString();
+    EXPECT_TRUE(formats.out.contains(QRegularExpression(u"\\n  flac +\\.flac +no: it has no recipe"_s)));
+}
+
 TEST_F(MediaConvert, FormatsTellWhatThisToolCanMake)
 {
     const test::CliRun run = runQuillbox({u"media"_s, u"formats"_s});
