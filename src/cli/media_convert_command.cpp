@@ -30,8 +30,8 @@ namespace {
 
 const char *const kConvertUsage
     = "usage: quillbox media convert SRC... --format NAME [-o OUT | --output-dir DIR] [job options]\n"
-      "                              [--core PATH] [--dry-run]\n"
-      "       quillbox media formats [--core PATH]\n";
+      "                              [--core ffmpeg|mencoder|PATH] [--dry-run]\n"
+      "       quillbox media formats [--core ffmpeg|mencoder|PATH]\n";
 
 int usage(QTextStream &err, const QString &problem)
 {
