@@ -107,6 +107,19 @@ QStringList SplitCommandLine(QStringView commandLine)
     return all;
 }
 
+QString QuoteName(const QString &argument)
+{
+    const QString quoted = QuoteArgument(argument);
+    if (quoted.startsWith(u'"'))
+        return quoted;
+    // A plain word; backslashes before the closing quote would escape it, doubled they stand for
+    // themselves.
+    qsizetype tail = 0;
+    while (tail < quoted.size() && quoted.at(quoted.size() - 1 - tail) == u'\\')
+        ++tail;
+    return u'"' + quoted + QString(tail, u'\\') + u'"';
+}
+
 QString QuoteArgument(const QString &argument)
 {
     bool plain = !argument.isEmpty();

@@ -25,6 +25,10 @@ QStringList SplitCommandLine(QStringView commandLine);
 // whatever it holds; plain words stay as they are.
 QString QuoteArgument(const QString &argument);
 
+// An argument always in double quotes, as composed commands write file names, whatever it holds:
+// SplitCommandLine gives it back unchanged.
+QString QuoteName(const QString &argument);
+
 // Quotes a text for /bin/sh so that the shell takes it as one word and interprets nothing in it.
 QString QuoteForShell(const QString &text);
 

@@ -21,21 +21,6 @@ QString fixed(const char16_t *text)
     return text ? QString::fromUtf16(text) : QString();
 }
 
-// A name in double quotes, whatever it holds, so that the command-line rules give it back.
-QString quoted(const QString &text)
-{
-    const QString argument = QuoteArgument(text);
-    if (argument.startsWith(u'"'))
-        return argument;
-    QString inner = argument;
-    // Backslashes before the closing quote would escape it; doubled they stand for themselves.
-    qsizetype tail = 0;
-    while (tail < inner.size() && inner.at(inner.size() - 1 - tail) == u'\\')
-        ++tail;
-    inner += QString(tail, u'\\');
-    return u'"' + inner + u'"';
-}
-
 // Whole numbers as the classic Round gives them: halves go to the even neighbour.
 long long roundHalfEven(double value)
 {
@@ -330,7 +315,7 @@ void Composer::threadsAndMetadata()
         m.MetaData_Composer, m.MetaData_Description};
     for (size_t i = 0; i < 6; ++i) {
         if (!values[i].isEmpty())
-            MetaSwitches += u" -metadata "_s + fixed(spell.metadataKeys[i]) + u'=' + quoted(values[i]);
+            MetaSwitches += u" -metadata "_s + fixed(spell.metadataKeys[i]) + u'=' + QuoteName(values[i]);
     }
 }
 
@@ -510,7 +495,7 @@ void Composer::filterChain()
         text = movies + graph + u"[out]"_s;
     }
     if (!text.isEmpty())
-        FilterChain = u" -vf "_s + quoted(text);
+        FilterChain = u" -vf "_s + QuoteName(text);
 }
 
 void Composer::aspect()
@@ -533,7 +518,7 @@ QString Composer::options() const
             text += u" -ss "_s + number(job.Job.TimeStartPoint);
         if (length > 0)
             text += u" -t "_s + number(length);
-        text += u" -i "_s + quoted(job.Audio.AudioReplaceFileName) + fixed(spell.audioReplaceMaps);
+        text += u" -i "_s + QuoteName(job.Audio.AudioReplaceFileName) + fixed(spell.audioReplaceMaps);
     }
     text += job.Video.DisableVideo ? u" -vn"_s : VideoCodecSwitch + SizeSwitch + VideoExtra;
     const bool noAudio = job.Audio.DisableAudio || in.pass == 1;
@@ -546,11 +531,11 @@ QString Composer::options() const
     if (job.Audio.AudioStreamDelay != 0 && *spell.delayedAudioFilter && !replacing)
         audio << fixed(spell.delayedAudioFilter);
     if (!noAudio && !audio.isEmpty())
-        text += u" -af "_s + quoted(audio.join(u','));
+        text += u" -af "_s + QuoteName(audio.join(u','));
     if (in.pass > 0) {
         text += u" -pass "_s + QString::number(in.pass);
         if (*spell.passLogFile && !job.TempBase.isEmpty())
-            text += fixed(spell.passLogFile).arg(quoted(job.TempBase));
+            text += fixed(spell.passLogFile).arg(QuoteName(job.TempBase));
     }
     if (spell.extraTracksAsMaps && !replacing && job.Audio.AudioStreamDelay == 0)
         text += extraTracks();
@@ -664,19 +649,19 @@ Composition Composer::compose()
             seek += u" -t "_s + number(length);
     }
     const QString opts = options();
-    const QString tail = opts + FormatSwitch + u' ' + quoted(in.outputFileName);
-    const QString core = quoted(job.Core);
+    const QString tail = opts + FormatSwitch + u' ' + QuoteName(in.outputFileName);
+    const QString core = QuoteName(job.Core);
     QString command;
     if (job.FileName.endsWith(u':')) {
         const QString player = QFileInfo(job.Core).path() + u"/mencoder"_s;
-        command = quoted(player) + u" -dvd-device "_s + quoted(job.FileName.toLower())
+        command = QuoteName(player) + u" -dvd-device "_s + QuoteName(job.FileName.toLower())
             + u"/ dvd://1 -really-quiet -oac copy -ovc copy -o -|"_s + core + u" -y"_s + seek + u" -i -"_s
             + tail;
     } else if (job.Audio.AudioStreamDelay == 0) {
-        command = core + u" -y"_s + seek + u" -i "_s + quoted(in.inputName) + tail;
+        command = core + u" -y"_s + seek + u" -i "_s + QuoteName(in.inputName) + tail;
     } else {
-        command = core + u" -y"_s + seek + u" -i "_s + quoted(in.inputName) + u" -itsoffset "_s
-            + number(job.Audio.AudioStreamDelay) + seek + u" -i "_s + quoted(in.inputName)
+        command = core + u" -y"_s + seek + u" -i "_s + QuoteName(in.inputName) + u" -itsoffset "_s
+            + number(job.Audio.AudioStreamDelay) + seek + u" -i "_s + QuoteName(in.inputName)
             + fixed(spell.delayedAudio) + tail;
     }
     if (!spell.extraTracksAsMaps)

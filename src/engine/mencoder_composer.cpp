@@ -36,18 +36,6 @@ QString fixed(const char16_t *text)
     return text ? QString::fromUtf16(text) : QString();
 }
 
-// A name in double quotes, whatever it holds, so that the command-line rules give it back.
-QString quoted(const QString &text)
-{
-    const QString argument = QuoteArgument(text);
-    if (argument.startsWith(u'"'))
-        return argument;
-    qsizetype tail = 0;
-    while (tail < argument.size() && argument.at(argument.size() - 1 - tail) == u'\\')
-        ++tail;
-    return u'"' + argument + QString(tail, u'\\') + u'"';
-}
-
 QString number(double value)
 {
     return QString::number(value, 'g', 12);
@@ -139,10 +127,10 @@ QString Composer::subtitleOpts() const
         return {};
     const int align = job.Menc.MencSubtitleAlign;
     const int position = align >= 7 && align <= 9 ? 10 : align >= 4 && align <= 6 ? 45 : 90;
-    return u" -sub "_s + quoted(in.subtitleFile) + u" -font "_s + quoted(job.Menc.MencSubtitleFontFileName)
-        + u" -subfont-text-scale "_s + QString::number(job.Menc.MencSubtitleFontSize)
-        + u" -subfont-outline 1 -subfont-blur 2 -subpos "_s + QString::number(position)
-        + u" -subdelay 0 -subcp CP936"_s;
+    return u" -sub "_s + QuoteName(in.subtitleFile) + u" -font "_s
+        + QuoteName(job.Menc.MencSubtitleFontFileName) + u" -subfont-text-scale "_s
+        + QString::number(job.Menc.MencSubtitleFontSize) + u" -subfont-outline 1 -subfont-blur 2 -subpos "_s
+        + QString::number(position) + u" -subdelay 0 -subcp CP936"_s;
 }
 
 QString Composer::expand(const char16_t *text) const
@@ -175,7 +163,7 @@ QString Composer::expand(const char16_t *text) const
 QString Composer::inputText() const
 {
     if (job.FileName.endsWith(u':'))
-        return u" -dvd-device "_s + quoted(job.FileName) + u"/ dvd://1"_s;
+        return u" -dvd-device "_s + QuoteName(job.FileName) + u"/ dvd://1"_s;
     QStringList entries;
     if (!job.AVS.AVSEnabled && job.FileInfo.contains(u'|'))
         entries = job.FileInfo.split(u'|', Qt::SkipEmptyParts);
@@ -184,7 +172,7 @@ QString Composer::inputText() const
     QString text;
     for (const QString &entry : entries) {
         text += entry.endsWith(u':') ? u" -dvd-device "_s + entry.toLower() + u"/ dvd://1"_s
-                                     : u' ' + quoted(entry);
+                                     : u' ' + QuoteName(entry);
     }
     return text;
 }
@@ -213,13 +201,14 @@ Composition Composer::compose()
     const QString seek = length > 0
         ? u" -ss "_s + number(job.Job.TimeStartPoint) + u" -endpos "_s + number(length)
         : QString();
-    QString command = quoted(job.Core) + inputText() + video + audio + subtitles + expand(row.containerOpts);
+    QString command
+        = QuoteName(job.Core) + inputText() + video + audio + subtitles + expand(row.containerOpts);
     if (job.Video.Deinterlace)
         command += u" -vf-add yadif"_s;
     command += seek;
     if (in.pass >= 1 && *spell.passLogFile && !job.TempBase.isEmpty())
-        command += fixed(spell.passLogFile).arg(quoted(job.TempBase + u".log"_s));
-    command += u" -o "_s + quoted(in.outputFileName);
+        command += fixed(spell.passLogFile).arg(QuoteName(job.TempBase + u".log"_s));
+    command += u" -o "_s + QuoteName(in.outputFileName);
     if (!job.Job.AdditionalScripts.isEmpty())
         command += u' ' + job.Job.AdditionalScripts;
     result.command = command;

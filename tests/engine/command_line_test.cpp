@@ -58,13 +58,18 @@ TEST(CommandLine, QuotedArgumentsComeBackUnchanged)
         u"ends with blank\\"_s, u"\\\\server\\share"_s, u"a\\\"b"_s, u"$(touch x); rm -rf / | cat"_s,
         u"`id` & echo %PATH% > y"_s, u"中文 名.mp4"_s, u"tab\there"_s, u"\"\""_s, u"\\\"\\\\\""_s,
         u"'single'"_s, u"line\nbreak"_s};
-    QStringList quoted {u"\"prog\""_s};
-    for (const QString &arg : hostile)
-        quoted.append(QuoteArgument(arg));
-    const QStringList back = SplitCommandLine(quoted.join(u' '));
-    ASSERT_EQ(back.size(), hostile.size() + 1);
-    EXPECT_EQ(back.mid(1), hostile);
+    // Both forms: quoted where needed, and always in quotes as file names are written.
+    for (const auto quote : {&QuoteArgument, &QuoteName}) {
+        QStringList quoted {u"\"prog\""_s};
+        for (const QString &arg : hostile)
+            quoted.append(quote(arg));
+        const QStringList back = SplitCommandLine(quoted.join(u' '));
+        ASSERT_EQ(back.size(), hostile.size() + 1);
+        EXPECT_EQ(back.mid(1), hostile);
+    }
     EXPECT_EQ(QuoteArgument(u"plain"_s), u"plain"_s);
+    EXPECT_EQ(QuoteName(u"plain"_s), u"\"plain\""_s);
+    EXPECT_EQ(QuoteName(u"C:\\"_s), u"\"C:\\\\\""_s);
 }
 
 TEST(CommandLine, RandomArgumentsSurviveQuoting)

@@ -221,7 +221,7 @@ class FFmpegFormatRows : public FFmpegJobs, public ::testing::WithParamInterface
 
 TEST_P(FFmpegFormatRows, MakeWhatThePlayerToolConfirmsOrSayWhatIsMissing)
 {
-    constexpr int kGroups = 4;
+    constexpr int kGroups = 6;
     const int count = int(std::size(kRows));
     for (int i = GetParam() * count / kGroups; i < (GetParam() + 1) * count / kGroups; ++i) {
         const RowExpectation &row = kRows[i];
@@ -251,7 +251,7 @@ TEST_P(FFmpegFormatRows, MakeWhatThePlayerToolConfirmsOrSayWhatIsMissing)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Today, FFmpegFormatRows, ::testing::Range(0, 4));
+INSTANTIATE_TEST_SUITE_P(Today, FFmpegFormatRows, ::testing::Range(0, 6));
 
 TEST_F(FFmpegJobs, EventsOfARunArriveInTheirOrderAndEndWithTheOutput)
 {

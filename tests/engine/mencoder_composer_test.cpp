@@ -309,7 +309,7 @@ class MEncoderRows : public MEncoderJobs, public ::testing::WithParamInterface<i
 
 TEST_P(MEncoderRows, MakeWhatThePlayerToolConfirmsOrRefuse)
 {
-    constexpr int kGroups = 3;
+    constexpr int kGroups = 4;
     const int count = int(std::size(kMencRows));
     for (int i = GetParam() * count / kGroups; i < (GetParam() + 1) * count / kGroups; ++i) {
         const MencRow &row = kMencRows[i];
@@ -334,7 +334,35 @@ TEST_P(MEncoderRows, MakeWhatThePlayerToolConfirmsOrRefuse)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Today, MEncoderRows, ::testing::Range(0, 3));
+INSTANTIATE_TEST_SUITE_P(Today, MEncoderRows, ::testing::Range(0, 4));
+
+TEST_F(MEncoderJobs, ProgressComesFromThePositionLines)
+{
+    // Long enough that the tool prints its position lines one by one.
+    const QString clip = out->path(u"ten.avi"_s);
+    const test::ToolResult made = test::runTool(QStandardPaths::findExecutable(u"ffmpeg"_s),
+        {u"-v"_s, u"error"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+            u"testsrc2=size=320x240:rate=25:duration=10"_s, u"-c:v"_s, u"mpeg4"_s, clip});
+    ASSERT_EQ(made.exitCode, 0) << made.output.toStdString();
+    engine = std::make_unique<FFmpegX>();
+    recorder = std::make_unique<test::EngineRecorder>(*engine);
+    engine->setCore(mencoder);
+    engine->setOutputDir(out->root());
+    engine->setFileName(clip);
+    engine->FileOutput.ForceFormat = u"mkv"_s;
+    engine->StartProcess();
+    ASSERT_TRUE(test::waitForJobEnd(*engine, 25000));
+    ASSERT_FALSE(completed().isEmpty()) << recorder->statusLines().join(u'\n').toStdString();
+    QList<int> positions;
+    for (const test::ProgressEvent &p : recorder->progress) {
+        if (!p.last && p.value > 0) {
+            positions << p.value;
+            EXPECT_EQ(p.max, 10);
+        }
+    }
+    EXPECT_FALSE(positions.isEmpty());
+    EXPECT_TRUE(std::is_sorted(positions.cbegin(), positions.cend()));
+}
 
 TEST_F(MEncoderJobs, TwoPassesAndAClaimedButMissingOutput)
 {
