@@ -72,8 +72,13 @@ bool readSize(const QString &item, int &width, int &height)
     const qsizetype bracket = heightText.indexOf(u'[');
     if (bracket >= 0)
         heightText = heightText.left(bracket);
-    width = int(util::Val(item.left(x)));
-    height = int(util::Val(heightText));
+    // Sides beyond any picture are no size (and would not fit the fields).
+    const double w = util::Val(item.left(x));
+    const double h = util::Val(heightText);
+    if (!(w < 1e6 && h >= 0 && h < 1e6))
+        return false;
+    width = int(w);
+    height = int(h);
     return true;
 }
 
@@ -109,7 +114,9 @@ void readAudio(const QString &line, StreamFacts &facts)
 {
     const QStringList items = line.section(QStringLiteral("Audio:"), 1).split(u',');
     facts.SourceAudioCodec = codecName(items.value(0));
-    facts.SourceSampleRate = long(util::Val(items.value(1)));
+    // Tool text can hold any number; a rate beyond the field's range is no rate.
+    const double rate = util::Val(items.value(1));
+    facts.SourceSampleRate = rate >= 0 && rate < 1e9 ? long(rate) : 0;
     const QString channels = items.value(2).toLower();
     if (channels == QStringLiteral("stereo"))
         facts.SourceChannels = 2;
@@ -304,6 +311,8 @@ QString SummaryFileInfo(const StreamFacts &facts, const QString &sizeText)
 
 int CropSeekPoint(double lengthSeconds)
 {
+    if (!(lengthSeconds > 0))
+        return 0;
     return lengthSeconds <= 20 ? int(util::RoundHalfEven(lengthSeconds / 2)) : 10;
 }
 

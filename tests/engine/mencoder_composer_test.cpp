@@ -339,10 +339,10 @@ INSTANTIATE_TEST_SUITE_P(Today, MEncoderRows, ::testing::Range(0, 4));
 TEST_F(MEncoderJobs, ProgressComesFromThePositionLines)
 {
     // Long enough that the tool prints its position lines one by one.
-    const QString clip = out->path(u"ten.avi"_s);
+    const QString clip = out->path(u"six.avi"_s);
     const test::ToolResult made = test::runTool(QStandardPaths::findExecutable(u"ffmpeg"_s),
         {u"-v"_s, u"error"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
-            u"testsrc2=size=320x240:rate=25:duration=10"_s, u"-c:v"_s, u"mpeg4"_s, clip});
+            u"testsrc2=size=320x240:rate=25:duration=6"_s, u"-c:v"_s, u"mpeg4"_s, clip});
     ASSERT_EQ(made.exitCode, 0) << made.output.toStdString();
     engine = std::make_unique<FFmpegX>();
     recorder = std::make_unique<test::EngineRecorder>(*engine);
@@ -357,7 +357,7 @@ TEST_F(MEncoderJobs, ProgressComesFromThePositionLines)
     for (const test::ProgressEvent &p : recorder->progress) {
         if (!p.last && p.value > 0) {
             positions << p.value;
-            EXPECT_EQ(p.max, 10);
+            EXPECT_EQ(p.max, 6);
         }
     }
     EXPECT_FALSE(positions.isEmpty());
