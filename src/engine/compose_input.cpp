@@ -1,6 +1,10 @@
 // The size rules of formats that take only some picture sizes.
 #include "engine/compose_input.h"
 
+#include "engine/job_settings.h"
+
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace qb::engine {
@@ -31,6 +35,20 @@ void ApplySizeRule(SizeRule rule, int &width, int &height)
         return;
     }
     }
+}
+
+QString OutputExtension(const JobSettings &job, const char16_t *rowExtension, const char16_t *driveExtension)
+{
+    QString extension = rowExtension ? QString::fromUtf16(rowExtension) : QString();
+    if (extension == QStringLiteral("{name}"))
+        extension = job.FileOutput.ForceFormat;
+    else if (extension == QStringLiteral("{src}"))
+        extension = job.FileName.endsWith(u':')
+            ? (driveExtension ? QString::fromUtf16(driveExtension) : QString())
+            : QFileInfo(job.FileName).suffix();
+    if (!job.FileOutput.FileNameSuffix.isEmpty())
+        extension = job.FileOutput.FileNameSuffix;
+    return job.FileOutput.UcaseNameSuffix ? extension.toUpper() : extension;
 }
 
 } // namespace qb::engine

@@ -18,6 +18,12 @@ enum class SizeRule { Free, Multiple16, H263Sizes };
 // The rule applied to a picture size.
 void ApplySizeRule(SizeRule rule, int &width, int &height);
 
+struct JobSettings;
+
+// An output's extension from a format row's: "{name}" the format's name, "{src}" the source's (for
+// a drive, driveExtension), else as written; FileNameSuffix replaces it, in capitals when asked.
+QString OutputExtension(const JobSettings &job, const char16_t *rowExtension, const char16_t *driveExtension);
+
 // Files the filter chain refers to, by bare name (the tool runs in their folder); empty when
 // there is none.
 struct FilterFiles

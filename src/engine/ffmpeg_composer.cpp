@@ -675,16 +675,7 @@ Composition Composer::compose()
 QString FFmpegOutputExtension(const JobSettings &job, ToolGeneration generation)
 {
     const FormatRow &row = FormatRowOf(job.FileOutput.ForceFormat, generation);
-    QString extension = fixed(row.extension);
-    if (extension == u"{name}"_s) {
-        extension = job.FileOutput.ForceFormat;
-    } else if (extension == u"{src}"_s) {
-        extension
-            = job.FileName.endsWith(u':') ? fixed(row.driveExtension) : QFileInfo(job.FileName).suffix();
-    }
-    if (!job.FileOutput.FileNameSuffix.isEmpty())
-        extension = job.FileOutput.FileNameSuffix;
-    return job.FileOutput.UcaseNameSuffix ? extension.toUpper() : extension;
+    return OutputExtension(job, row.extension, row.driveExtension);
 }
 
 QString PlannedOutputName(const JobSettings &job, const QString &extension)

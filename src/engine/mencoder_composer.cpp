@@ -220,15 +220,7 @@ Composition Composer::compose()
 QString MEncoderOutputExtension(const JobSettings &job, ToolGeneration generation)
 {
     const MEncoderRow &row = MEncoderRowOf(job.FileOutput.ForceFormat, generation);
-    QString extension = fixed(row.extension);
-    if (extension == u"{name}"_s)
-        extension = job.FileOutput.ForceFormat;
-    else if (extension == u"{src}"_s)
-        extension
-            = job.FileName.endsWith(u':') ? fixed(row.driveExtension) : QFileInfo(job.FileName).suffix();
-    if (!job.FileOutput.FileNameSuffix.isEmpty())
-        extension = job.FileOutput.FileNameSuffix;
-    return job.FileOutput.UcaseNameSuffix ? extension.toUpper() : extension;
+    return OutputExtension(job, row.extension, row.driveExtension);
 }
 
 Composition ComposeMEncoderCommand(const JobSettings &job, const ComposeInput &input)

@@ -1,6 +1,8 @@
 // The engine test helpers.
 #include "engine/engine_recorder.h"
 
+#include "engine/status_codes.h"
+
 #include "engine/chunk_decoder.h"
 
 #include <QDeadlineTimer>
@@ -41,6 +43,15 @@ QStringList EngineRecorder::statusLines() const
     for (const auto &[code, text] : statuses)
         lines.append(QStringLiteral("%1:%2").arg(code).arg(text));
     return lines;
+}
+
+QString EngineRecorder::completedOutput() const
+{
+    for (const auto &[code, text] : statuses) {
+        if (code == engine::kComplete)
+            return text;
+    }
+    return {};
 }
 
 QList<int> EngineRecorder::statusCodes() const

@@ -38,6 +38,8 @@ public:
     QStringList statusLines() const;
     // The status codes only.
     QList<int> statusCodes() const;
+    // The text of the first Complete status (the output), "" without one.
+    QString completedOutput() const;
     // The tool's output put back together from the pipe events.
     QString pipeText() const;
 };

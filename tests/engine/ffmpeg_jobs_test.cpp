@@ -95,15 +95,7 @@ protected:
         ASSERT_TRUE(test::waitForJobEnd(*engine, 25000));
     }
 
-    // The output the job reported as complete, or "".
-    QString completed() const
-    {
-        for (const auto &[code, text] : recorder->statuses) {
-            if (code == kComplete)
-                return text;
-        }
-        return {};
-    }
+    QString completed() const { return recorder->completedOutput(); }
 
     static StreamInfo probe(const QString &file)
     {

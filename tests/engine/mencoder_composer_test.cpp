@@ -236,14 +236,7 @@ protected:
         engine->StartProcess();
         ASSERT_TRUE(test::waitForJobEnd(*engine, 25000));
     }
-    QString completed() const
-    {
-        for (const auto &[code, text] : recorder->statuses) {
-            if (code == kComplete)
-                return text;
-        }
-        return {};
-    }
+    QString completed() const { return recorder->completedOutput(); }
     // Codec names of the streams, and the video's length in seconds.
     static std::pair<QStringList, double> probe(const QString &file)
     {
